@@ -117,9 +117,9 @@ protected:
 private:
     friend class ZuCall;
 
-    void applyOutputEntries(std::string& path, std::string& stem, std::string& address, int32_t& port);
-    void openDatagramOutput(const std::string& address, int32_t port);
-    void closeDatagramOutput();
+    ZUCOM_LOCAL void applyOutputEntries(std::string& path, std::string& stem, std::string& address, int32_t& port);
+    ZUCOM_LOCAL void openDatagramOutput(const std::string& address, int32_t port);
+    ZUCOM_LOCAL void closeDatagramOutput();
 };
 
 #endif

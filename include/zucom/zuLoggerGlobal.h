@@ -106,8 +106,8 @@ public:
 private:
     friend class ZuLoggerBase;
 
-    ZuLoggerGlobal();
-    ~ZuLoggerGlobal() = default;
+    ZUCOM_LOCAL ZuLoggerGlobal();
+    ZUCOM_LOCAL ~ZuLoggerGlobal() = default;
     ZuLoggerGlobal(const ZuLoggerGlobal&) = delete;
     ZuLoggerGlobal& operator=(const ZuLoggerGlobal&) = delete;
 

@@ -67,8 +67,8 @@ private:
         void operator()(uint8_t* memory) const { std::free(memory); }
     };
 
-    std::size_t header(std::size_t index) const;
-    void makeRoom(std::size_t n);
+    ZUCOM_LOCAL std::size_t header(std::size_t index) const;
+    ZUCOM_LOCAL void makeRoom(std::size_t n);
 
     std::unique_ptr<uint8_t[], Release> bytes;
     std::size_t capacity = 0; // of bytes

@@ -161,8 +161,8 @@ public:
 private:
     static constexpr std::size_t maxLength = 32768;
 
-    uint8_t byteAt(std::size_t index) const;
-    void reset();
+    ZUCOM_LOCAL uint8_t byteAt(std::size_t index) const;
+    ZUCOM_LOCAL void reset();
 
     std::size_t length;
     uint8_t buffer[maxLength];
@@ -212,7 +212,7 @@ public:
 private:
     static constexpr std::size_t maxLength = 32760;
 
-    void reset();
+    ZUCOM_LOCAL void reset();
 
     std::size_t length;
     uint8_t data[maxLength];

@@ -78,7 +78,7 @@ public:
     static bool isIPv6Address(const std::string& text);
 
 private:
-    int32_t createSocket(int family);
+    ZUCOM_LOCAL int32_t createSocket(int family);
 };
 
 #endif

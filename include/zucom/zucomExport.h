@@ -8,4 +8,7 @@
 /** Put before a function, class or object that belongs to the binary interface. */
 #define ZUCOM_API __attribute__((visibility("default")))
 
+/** Put before a private member of an exported class: not part of the binary interface, free to change. */
+#define ZUCOM_LOCAL __attribute__((visibility("hidden")))
+
 #endif

@@ -71,10 +71,10 @@ private:
     friend struct ZuSetting;       // the parameters, one short function each
     friend struct ZuCommand;       // the port commands, likewise
 
-    int prepareDevice(const ZuCall& call);
-    void buildRawSettings(const ZuCall& call);
-    void waitForGap() const;
-    int waitForFrame(const ZuCall& call, uint8_t* buf, std::size_t size);
+    ZUCOM_LOCAL int prepareDevice(const ZuCall& call);
+    ZUCOM_LOCAL void buildRawSettings(const ZuCall& call);
+    ZUCOM_LOCAL void waitForGap() const;
+    ZUCOM_LOCAL int waitForFrame(const ZuCall& call, uint8_t* buf, std::size_t size);
 
     std::unique_ptr<ZucomLogger> logger;
     int32_t portHandle;

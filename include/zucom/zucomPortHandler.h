@@ -52,15 +52,15 @@ public:
 private:
     friend struct ZucomEntry; // the exported functions: last errors and the version text
 
-    ZucomPortHandler();
-    ~ZucomPortHandler() = default;
+    ZUCOM_LOCAL ZucomPortHandler();
+    ZUCOM_LOCAL ~ZucomPortHandler() = default;
     ZucomPortHandler(const ZucomPortHandler&) = delete;
     ZucomPortHandler& operator=(const ZucomPortHandler&) = delete;
 
-    static ZucomPortHandler g_portHandler __attribute__((visibility("hidden")));
+    ZUCOM_LOCAL static ZucomPortHandler g_portHandler;
 
-    int lastErrorOf(const ZucomPort& port) const;
-    int handleOf(const ZucomPort& port) const;
+    ZUCOM_LOCAL int lastErrorOf(const ZucomPort& port) const;
+    ZUCOM_LOCAL int handleOf(const ZucomPort& port) const;
 
     std::map<int, ZucomPort*> portMap;
     std::atomic<int> lastError{0};
