@@ -117,7 +117,15 @@ protected:
 private:
     friend class ZuCall;
 
-    ZUCOM_LOCAL void applyOutputEntries(std::string& path, std::string& stem, std::string& address, int32_t& port);
+    struct OutputTexts // what the configuration says in words rather than switches
+    {
+        std::string path = ".";
+        std::string stem;
+        std::string address;
+        std::string port;
+    };
+
+    ZUCOM_LOCAL void applyOutputEntries(OutputTexts& texts);
     ZUCOM_LOCAL void openDatagramOutput(const std::string& address, int32_t port);
     ZUCOM_LOCAL void closeDatagramOutput();
 };

@@ -75,6 +75,9 @@ private:
     ZUCOM_LOCAL void buildRawSettings(const ZuCall& call);
     ZUCOM_LOCAL void waitForGap() const;
     ZUCOM_LOCAL int waitForFrame(const ZuCall& call, uint8_t* buf, std::size_t size);
+    ZUCOM_LOCAL int timeOut(const ZuCall& call);
+    ZUCOM_LOCAL int deviceLost(const ZuCall& call, int code);
+    ZUCOM_LOCAL int frameReceived(const ZuCall& call, const uint8_t* frame, int64_t length);
 
     std::unique_ptr<ZucomLogger> logger;
     int32_t portHandle;
