@@ -44,7 +44,7 @@ std::string shortForm(const std::string& line)
 {
     static const std::regex form(
         R"((\d+)\|\d{4}\.\d\d\.\d\d-\d\d\.\d\d\.\d\d\.\d{6} :: ZUCOM PH=0x[1-9a-f][0-9a-f]* TID=(\d+) )"
-        R"(ZucomPort::(\w+:\d+(?: ERROR)? :: [^]*))");
+        R"(ZucomPort::(\w+:\d+(?: ERROR)? :: [\s\S]*))");
     std::smatch part;
     if (!std::regex_match(line, part, form))
     {
