@@ -77,7 +77,17 @@ struct DeviceCalls
         return system(*active, limit);
     }
 
-    static void opened(DeviceFaults& faults, long descriptor) { faults.descriptor_ = static_cast<int>(descriptor); }
+    static int opened(DeviceFaults& faults, int descriptor)
+    {
+        if (descriptor >= 0 && descriptor < faults.lowestDescriptor)
+        {
+            const Aside aside;
+            const int moved = ::fcntl(descriptor, F_DUPFD, faults.lowestDescriptor);
+            ::close(descriptor);
+            descriptor = moved;
+        }
+        return faults.descriptor_ = descriptor;
+    }
 
     static void closed(DeviceFaults& faults, int descriptor)
     {
@@ -163,7 +173,8 @@ std::string DeviceFaults::lineText(const termios& line)
     if (cfgetispeed(&line) != cfgetospeed(&line))
         text += "/" + nameOf(cfgetispeed(&line), speeds);
     text += ' ' + std::to_string(bits[(line.c_cflag & CSIZE) / CS6]);
-    text += !(line.c_cflag & PARENB) ? 'N' : line.c_cflag & PARODD ? 'O' : 'E';
+    const bool odd = line.c_cflag & PARODD;
+    text += !(line.c_cflag & PARENB) ? (odd ? "N(odd)" : "N") : (odd ? "O" : "E");
     text += line.c_cflag & CSTOPB ? '2' : '1';
     cc_t raw[NCCS] = {};
     raw[VMIN] = 1;
@@ -283,11 +294,7 @@ extern "C"
             return system(path, flags, mode);
         return static_cast<int>(DeviceCalls::run(std::string("open(") + path + ", " + flagText(flags) + ")",
                                                  [&](DeviceFaults& faults, std::size_t)
-                                                 {
-                                                     const int descriptor = system(path, flags, mode);
-                                                     DeviceCalls::opened(faults, descriptor);
-                                                     return descriptor;
-                                                 }));
+                                                 { return DeviceCalls::opened(faults, system(path, flags, mode)); }));
     }
 
     int fcntl(int descriptor, int command, ...)
@@ -368,7 +375,8 @@ extern "C"
         const std::string text = "select(" + setText(count, reading) +
                                  (count == active->descriptor() + 1 ? "" : " of " + std::to_string(count)) +
                                  (writing || failing ? " and others" : "") + ", " +
-                                 std::to_string(timeout->tv_sec * 1000000L + timeout->tv_usec) + " us)";
+                                 std::to_string(timeout->tv_sec * 1000000L + timeout->tv_usec) +
+                                 (timeout->tv_usec < 1000000 ? " us)" : " us, not normalised)");
         return static_cast<int>(DeviceCalls::run(text,
                                                  [&](DeviceFaults& faults, std::size_t)
                                                  {
@@ -431,7 +439,7 @@ extern "C"
                                                  faults.advance(nanoseconds / 1000);
                                                  return 0;
                                              });
-        if (result < 0 && remaining) // as if a signal came after three quarters
+        if (result < 0 && errno == EINTR) // as if a signal came after three quarters
         {
             active->advance(nanoseconds * 3 / 4 / 1000);
             *remaining = {0, nanoseconds / 4};

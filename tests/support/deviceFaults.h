@@ -30,10 +30,11 @@ class DeviceFaults
 public:
     using Action = std::function<void()>;
 
-    serial_rs485 rs485{};    /**< what the driver keeps */
-    int modemLines = 0;      /**< likewise, TIOCM_ bits */
-    bool hasRs485 = true;    /**< whether the driver knows RS485 */
-    bool virtualTime = true; /**< whether waiting takes no time */
+    serial_rs485 rs485{};     /**< what the driver keeps */
+    int modemLines = 0;       /**< likewise, TIOCM_ bits */
+    bool hasRs485 = true;     /**< whether the driver knows RS485 */
+    bool virtualTime = true;  /**< whether waiting takes no time */
+    int lowestDescriptor = 0; /**< what is opened gets a descriptor from here on */
 
     DeviceFaults();
     DeviceFaults(const DeviceFaults&) = delete;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <regex>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -13,12 +14,28 @@ namespace
 {
 
 std::mutex capturedMutex;
-std::vector<std::string> captured; // guarded by capturedMutex; the thread and "|" in front of each line
+Lines captured; // guarded by capturedMutex
+
+std::string shortForm(const std::string& line)
+{
+    static const std::regex form(
+        R"(\d{4}\.\d\d\.\d\d-\d\d\.\d\d\.\d\d\.\d{6} :: ZUCOM PH=0x[1-9a-f][0-9a-f]* TID=(\d+) )"
+        R"(ZucomPort::(\w+:\d+(?: ERROR)? :: [\s\S]*))");
+    std::smatch part;
+    if (!std::regex_match(line, part, form))
+    {
+        ADD_FAILURE() << "log line without the usual form: " << line;
+        return line;
+    }
+    EXPECT_EQ(std::to_string(pthread_self()), part.str(1)) << "thread identifier in " << line;
+    return part.str(2);
+}
 
 void capture(void*, const char* line)
 {
+    std::string text = shortForm(line);
     const std::lock_guard lock(capturedMutex);
-    captured.push_back(std::to_string(pthread_self()) + '|' + line);
+    captured.push_back(std::move(text));
 }
 
 std::string setting()
@@ -40,21 +57,6 @@ void presetOnce()
     static_cast<void>(done);
 }
 
-std::string shortForm(const std::string& line)
-{
-    static const std::regex form(
-        R"((\d+)\|\d{4}\.\d\d\.\d\d-\d\d\.\d\d\.\d\d\.\d{6} :: ZUCOM PH=0x[1-9a-f][0-9a-f]* TID=(\d+) )"
-        R"(ZucomPort::(\w+:\d+(?: ERROR)? :: [\s\S]*))");
-    std::smatch part;
-    if (!std::regex_match(line, part, form))
-    {
-        ADD_FAILURE() << "log line without the usual form: " << line;
-        return line;
-    }
-    EXPECT_EQ(part.str(1), part.str(2)) << "thread identifier in " << line;
-    return part.str(3);
-}
-
 } // namespace
 
 bool LogCapture::trace() { return setting() == "both" || setting() == "trace"; }
@@ -64,7 +66,7 @@ bool LogCapture::error() { return setting() == "both" || setting() == "error"; }
 LogCapture::LogCapture()
 {
     presetOnce();
-    clear();
+    take();
 }
 
 LogCapture::~LogCapture()
@@ -73,20 +75,22 @@ LogCapture::~LogCapture()
         EXPECT_EQ(std::string::npos, line.find(" ERROR :: ")) << "unexpected error line: " << line;
 }
 
-std::vector<std::string> LogCapture::take()
-{
-    std::vector<std::string> lines;
-    {
-        const std::lock_guard lock(capturedMutex);
-        lines.swap(captured);
-    }
-    for (std::string& line : lines)
-        line = shortForm(line);
-    return lines;
-}
-
-void LogCapture::clear()
+Lines LogCapture::take()
 {
     const std::lock_guard lock(capturedMutex);
-    captured.clear();
+    return std::exchange(captured, {});
+}
+
+void LogCapture::putBack(Lines lines)
+{
+    const std::lock_guard lock(capturedMutex);
+    captured = std::move(lines);
+}
+
+Lines LogCapture::visible(Lines lines)
+{
+    static const std::regex errorCondition(R"(\w+:(?:\d+ ERROR|97|491|518) :: [\s\S]*)");
+    std::erase_if(lines,
+                  [](const std::string& line) { return std::regex_match(line, errorCondition) ? !error() : !trace(); });
+    return lines;
 }

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+using Lines = std::vector<std::string>;
+
 /**
  * Collects log lines through the callback, from construction to destruction.
  *
@@ -27,15 +29,17 @@ public:
     ~LogCapture();
 
     /** @return The lines since the last call, in short form. */
-    std::vector<std::string> take();
-
-    /** Forgets the lines so far, error lines included. */
-    void clear();
+    static Lines take();
+    /** Makes these the lines since the last call. */
+    static void putBack(Lines lines);
 
     /** @return Whether trace lines are on. */
     static bool trace();
     /** @return Whether error lines are on. */
     static bool error();
+
+    /** @return Those of the lines that are written with the conditions that are on. */
+    static Lines visible(Lines lines);
 };
 
 #endif

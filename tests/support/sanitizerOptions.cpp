@@ -8,7 +8,8 @@ extern "C"
 
     __attribute__((visibility("default"))) const char* __asan_default_options()
     {
-        return "detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1";
+        return "allocator_may_return_null=1:detect_stack_use_after_return=1:strict_string_checks=1:check_"
+               "initialization_order=1";
     }
 
     __attribute__((visibility("default"))) const char* __ubsan_default_options()
@@ -18,6 +19,6 @@ extern "C"
 
     __attribute__((visibility("default"))) const char* __tsan_default_options()
     {
-        return "halt_on_error=1:second_deadlock_stack=1";
+        return "allocator_may_return_null=1:halt_on_error=1:second_deadlock_stack=1";
     }
 }
