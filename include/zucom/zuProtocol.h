@@ -137,24 +137,35 @@ public:
      */
     static bool getPayloadSecurityInfo(const uint8_t* payload, std::size_t len, std::size_t* first, std::size_t* last);
 
-    /** @name Numbers at a cursor, which moves behind them. 24-bit values use the low 24 bits. @{ */
+    /**
+     * @name Numbers read at a cursor: 16, 24 or 32 bits wide, big-endian or, with "le", little-endian.
+     * @{
+     */
+    /** Reads a number. @param cursor Where to read; moves behind the number. @return The number. */
     static uint16_t value16(const uint8_t** cursor);
     static uint16_t value16(uint8_t** cursor);
-    static void setValue16(uint8_t** cursor, uint16_t value);
     static uint16_t value16le(const uint8_t** cursor);
     static uint16_t value16le(uint8_t** cursor);
-    static void setValue16le(uint8_t** cursor, uint16_t value);
     static uint32_t value24(const uint8_t** cursor);
     static uint32_t value24(uint8_t** cursor);
-    static void setValue24(uint8_t** cursor, uint32_t value);
     static uint32_t value24le(const uint8_t** cursor);
     static uint32_t value24le(uint8_t** cursor);
-    static void setValue24le(uint8_t** cursor, uint32_t value);
     static uint32_t value32(const uint8_t** cursor);
     static uint32_t value32(uint8_t** cursor);
-    static void setValue32(uint8_t** cursor, uint32_t value);
     static uint32_t value32le(const uint8_t** cursor);
     static uint32_t value32le(uint8_t** cursor);
+    /** @} */
+
+    /**
+     * @name Numbers written at a cursor, in the same forms.
+     * @{
+     */
+    /** Writes a number. @param cursor Where to write; moves behind the number. @param value Its low bits count. */
+    static void setValue16(uint8_t** cursor, uint16_t value);
+    static void setValue16le(uint8_t** cursor, uint16_t value);
+    static void setValue24(uint8_t** cursor, uint32_t value);
+    static void setValue24le(uint8_t** cursor, uint32_t value);
+    static void setValue32(uint8_t** cursor, uint32_t value);
     static void setValue32le(uint8_t** cursor, uint32_t value);
     /** @} */
 

@@ -27,9 +27,9 @@ public:
 
     /** A cleared object. */
     ZuSocket();
-    /** Takes over everything from @p source and clears it. */
+    /** Takes over everything. @param source Cleared. */
     ZuSocket(ZuSocket&& source) noexcept;
-    /** Takes over everything from @p source and clears it; an earlier descriptor is not closed. @return this object */
+    /** Takes over everything; an earlier descriptor is not closed. @param source Cleared. @return This object. */
     ZuSocket& operator=(ZuSocket&& source) noexcept;
     ZuSocket(const ZuSocket&) = delete;
     ZuSocket& operator=(const ZuSocket&) = delete;

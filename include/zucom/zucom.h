@@ -101,8 +101,8 @@ extern "C"
      * @param code    Receives the code.
      * @param text    Receives the text with its terminator; at least ZUCOM_ERROR_TEXT_SIZE bytes, owned by the caller.
      * @return 0, or a negative code, which is then also the library's last error; nothing is written then:
-     *         ZUCOM_ERR_NULL            @p code or @p text is null
-     *         ZUCOM_ERR_UNKNOWN_HANDLE  no such port
+     * @retval ZUCOM_ERR_NULL            @p code or @p text is null
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE  no such port
      * @note The library's last error is one for all threads: when several fail at once, the last one stays.
      */
     ZUCOM_API int ZUCOM_GetLastError(int handle, int* code, char* text);
@@ -115,8 +115,8 @@ extern "C"
      *
      * @param devicePath  Path of the device node, for example "/dev/ttyUSB0"; copied.
      * @return Port handle, 1 or more, or a negative code, which is then also the library's last error:
-     *         ZUCOM_ERR_NULL         @p devicePath is null
-     *         ZUCOM_ERR_PORT_OBJECT  the device does not open, is no terminal, refuses the settings or exclusive use
+     * @retval ZUCOM_ERR_NULL         @p devicePath is null
+     * @retval ZUCOM_ERR_PORT_OBJECT  the device does not open, is no terminal, refuses the settings or exclusive use
      * @note Any thread may open ports at any time. Handles are not given out again (before 2^28 ports were opened).
      */
     ZUCOM_API int ZUCOM_OpenPort(const char* devicePath);
@@ -126,8 +126,8 @@ extern "C"
      *
      * @param handle  Port from ZUCOM_OpenPort(); not valid afterwards, also when the device had failed before.
      * @return 0, or a negative code:
-     *         ZUCOM_ERR_UNKNOWN_HANDLE  no such port; also the library's last error
-     *         ZUCOM_ERR_HANDLE_ZERO     another thread closed the same handle meanwhile
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE  no such port; also the library's last error
+     * @retval ZUCOM_ERR_HANDLE_ZERO     another thread closed the same handle meanwhile
      * @note No other thread may be inside a call with this handle.
      */
     ZUCOM_API int ZUCOM_ClosePort(int handle);
@@ -137,10 +137,10 @@ extern "C"
      *
      * @param handle  0 for the first port, then the handle that the previous call returned.
      * @return The next handle, and the library's last error becomes 0; or a negative code, which becomes it:
-     *         ZUCOM_ERR_HANDLE_NEGATIVE  @p handle is negative
-     *         ZUCOM_ERR_PORT_LIST_EMPTY  no port is registered
-     *         ZUCOM_ERR_UNKNOWN_HANDLE   @p handle names no registered port
-     *         ZUCOM_ERR_NO_HANDLE        @p handle was the last one
+     * @retval ZUCOM_ERR_HANDLE_NEGATIVE  @p handle is negative
+     * @retval ZUCOM_ERR_PORT_LIST_EMPTY  no port is registered
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE   @p handle names no registered port
+     * @retval ZUCOM_ERR_NO_HANDLE        @p handle was the last one
      * @note Any thread may call this at any time.
      */
     ZUCOM_API int ZUCOM_GetPortList(int handle);
@@ -157,10 +157,10 @@ extern "C"
      * @param value   Receives the value with its terminator; at least ZUCOM_VALUE_SIZE bytes, for DEVICEPATH the length
      *                of the path and one; owned by the caller, not written on failure.
      * @return 0, or a negative code, which is then also the port's last error (for the unknown handle: the library's):
-     *         ZUCOM_ERR_UNKNOWN_HANDLE     no such port
-     *         ZUCOM_ERR_NULL               @p key or @p value is null
-     *         ZUCOM_ERR_ODD_PARAMETER      the key is too long
-     *         ZUCOM_ERR_UNKNOWN_PARAMETER  no such key
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE     no such port
+     * @retval ZUCOM_ERR_NULL               @p key or @p value is null
+     * @retval ZUCOM_ERR_ODD_PARAMETER      the key is too long
+     * @retval ZUCOM_ERR_UNKNOWN_PARAMETER  no such key
      * @note Calls on one port are the caller's to serialise.
      */
     ZUCOM_API int ZUCOM_GetPortPara(int handle, const char* key, char* value);
@@ -185,13 +185,13 @@ extern "C"
      * @param key     Key, shorter than ZUCOM_KEY_LIMIT characters.
      * @param value   New value; copied where it is kept.
      * @return 0, or a negative code, which is then also the port's last error (for the unknown handle: the library's):
-     *         ZUCOM_ERR_UNKNOWN_HANDLE     no such port
-     *         ZUCOM_ERR_NULL               @p key or @p value is null
-     *         ZUCOM_ERR_ODD_PARAMETER      the key is too long
-     *         ZUCOM_ERR_UNKNOWN_PARAMETER  no such key
-     *         ZUCOM_ERR_OUT_OF_RANGE       the value is not one of those above; nothing changes
-     *         ZUCOM_ERR_CHANGE_PARAMETER   the device refused; BAUD and FRAME stay, OPMODE already reads the new mode
-     *         ZUCOM_ERR_MEMORY             no memory for a copy of the device path; nothing changes
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE     no such port
+     * @retval ZUCOM_ERR_NULL               @p key or @p value is null
+     * @retval ZUCOM_ERR_ODD_PARAMETER      the key is too long
+     * @retval ZUCOM_ERR_UNKNOWN_PARAMETER  no such key
+     * @retval ZUCOM_ERR_OUT_OF_RANGE       the value is not one of those above; nothing changes
+     * @retval ZUCOM_ERR_CHANGE_PARAMETER   the device refused; BAUD and FRAME stay, OPMODE already reads the new mode
+     * @retval ZUCOM_ERR_MEMORY             no memory for a copy of the device path; nothing changes
      * @note Calls on one port are the caller's to serialise.
      */
     ZUCOM_API int ZUCOM_SetPortPara(int handle, const char* key, const char* value);
@@ -208,13 +208,14 @@ extern "C"
      * @param value    Text shorter than ZUCOM_KEY_LIMIT characters, needed by every command; for the GET… commands it
      * is also the answer's buffer of at least ZUCOM_COMMAND_VALUE_SIZE bytes. Not written on failure.
      * @return 0, or a negative code, which is then also the port's last error (for the unknown handle: the library's):
-     *         ZUCOM_ERR_UNKNOWN_HANDLE    no such port
-     *         ZUCOM_ERR_NULL              @p command or @p value is null
-     *         ZUCOM_ERR_OUT_OF_RANGE      @p command or @p value is too long
-     *         ZUCOM_ERR_UNKNOWN_COMMAND   no such command
-     *         ZUCOM_ERR_FLUSH_INPUT, ZUCOM_ERR_FLUSH_OUTPUT  the driver refused to discard
-     *         ZUCOM_ERR_CHANGE_PARAMETER  the line could not be set, or OPMODE is RS485 (the driver switches RTS then)
-     *         ZUCOM_ERR_READ_PARAMETER    the lines could not be read
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE    no such port
+     * @retval ZUCOM_ERR_NULL              @p command or @p value is null
+     * @retval ZUCOM_ERR_OUT_OF_RANGE      @p command or @p value is too long
+     * @retval ZUCOM_ERR_UNKNOWN_COMMAND   no such command
+     * @retval ZUCOM_ERR_FLUSH_INPUT       the driver did not discard what was received
+     * @retval ZUCOM_ERR_FLUSH_OUTPUT      the driver did not discard what was written
+     * @retval ZUCOM_ERR_CHANGE_PARAMETER  the line could not be set, or OPMODE is RS485 (the driver switches RTS then)
+     * @retval ZUCOM_ERR_READ_PARAMETER    the lines could not be read
      * @note Calls on one port are the caller's to serialise.
      */
     ZUCOM_API int ZUCOM_DoPortCmd(int handle, const char* command, char* value);
@@ -224,8 +225,8 @@ extern "C"
      *
      * @param devicePath  The path, byte for byte as it was given to ZUCOM_OpenPort().
      * @return The smallest handle opened with it, or a negative code, which is then also the library's last error:
-     *         ZUCOM_ERR_NULL       @p devicePath is null
-     *         ZUCOM_ERR_NO_HANDLE  no registered port was opened with it
+     * @retval ZUCOM_ERR_NULL       @p devicePath is null
+     * @retval ZUCOM_ERR_NO_HANDLE  no registered port was opened with it
      * @note Any thread may call this at any time.
      */
     ZUCOM_API int ZUCOM_GetPortHnd(const char* devicePath);
@@ -241,10 +242,10 @@ extern "C"
      * @param len     Number of bytes.
      * @return Number of bytes that the driver took, which can be fewer than @p len; or a negative code, which is then
      *         also the port's and the library's last error:
-     *         ZUCOM_ERR_UNKNOWN_HANDLE  no such port (the library's last error only)
-     *         ZUCOM_ERR_NULL            @p data is null and @p len is not 0
-     *         ZUCOM_ERR_NOT_CONNECTED   the device is not open (any more)
-     *         ZUCOM_ERR_TRANSMIT        writing failed; the device is closed, the handle stays until ZUCOM_ClosePort()
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE  no such port (the library's last error only)
+     * @retval ZUCOM_ERR_NULL            @p data is null and @p len is not 0
+     * @retval ZUCOM_ERR_NOT_CONNECTED   the device is not open (any more)
+     * @retval ZUCOM_ERR_TRANSMIT        writing failed; the device is closed, the handle stays until ZUCOM_ClosePort()
      * @note Calls on one port are the caller's to serialise.
      */
     ZUCOM_API int ZUCOM_Transmit(int handle, const uint8_t* data, size_t len);
@@ -261,16 +262,15 @@ extern "C"
      * @param size    Size of @p buffer in bytes, 1 or more; no frame is longer than 65535.
      * @return Length of the frame in bytes; or a negative code, which is then also the port's and the library's last
      *         error:
-     *         ZUCOM_ERR_UNKNOWN_HANDLE   no such port (the library's last error only)
-     *         ZUCOM_ERR_NULL             @p buffer is null
-     *         ZUCOM_ERR_OUT_OF_RANGE     @p size is 0
-     *         ZUCOM_ERR_MEMORY           @p size is more than memory can hold
-     *         ZUCOM_ERR_NOT_CONNECTED    the device is not open, or it went away and has been closed
-     *         ZUCOM_ERR_READ             waiting failed (a signal included); or reading failed and the device is closed
-     *         ZUCOM_ERR_TIMEOUT          nothing arrived in time
-     *         ZUCOM_ERR_PROTOCOL_LENGTH  bytes arrived, but no whole frame for this bus address
-     *         -1                         no known kind of frame, or one longer than @p size (the library's last error
-     * only)
+     * @retval ZUCOM_ERR_UNKNOWN_HANDLE   no such port (the library's last error only)
+     * @retval ZUCOM_ERR_NULL             @p buffer is null
+     * @retval ZUCOM_ERR_OUT_OF_RANGE     @p size is 0
+     * @retval ZUCOM_ERR_MEMORY           @p size is more than memory can hold
+     * @retval ZUCOM_ERR_NOT_CONNECTED    the device is not open, or it went away and has been closed
+     * @retval ZUCOM_ERR_READ             waiting failed (a signal included); or reading failed and the device is closed
+     * @retval ZUCOM_ERR_TIMEOUT          nothing arrived in time
+     * @retval ZUCOM_ERR_PROTOCOL_LENGTH  bytes arrived, but no whole frame for this bus address
+     * @retval -1                         no known kind of frame, or one longer than @p size; not the port's last error
      * @note Calls on one port are the caller's to serialise; calls on different ports are independent.
      */
     ZUCOM_API int ZUCOM_Receive(int handle, uint8_t* buffer, size_t size);
