@@ -2,6 +2,7 @@
 #include "tools/common/frameOptions.h"
 
 #include "tools/common/failure.h"
+#include "tools/common/frameBytes.h"
 
 namespace
 {

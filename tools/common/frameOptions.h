@@ -16,9 +16,6 @@ struct FrameOptions
     int address = 255;
 };
 
-constexpr std::uint8_t directionRequest = 1; // flags of an enhanced frame
-constexpr std::uint8_t directionResponse = 2;
-
 // Adds --kind and --address.
 void addFrameOptions(Options& options, FrameOptions& frame);
 

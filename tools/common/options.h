@@ -23,9 +23,9 @@ public:
     Options& text(const char* names, std::string& value, const char* help);
     Options& texts(const char* names, std::vector<std::string>& values, const char* help);
     Options& choice(const char* names, std::string& value, const std::vector<std::string>& allowed, const char* help);
+    Options& choice(const char* names, int& value, const std::vector<int>& allowed, const char* help);
     Options& number(const char* names, int& value, int lowest, int highest, const char* help);
     Options& number(const char* names, std::uint64_t& value, const char* help);
-    Options& numbers(const char* names, std::vector<int>& values, int lowest, int highest, const char* help);
 
     Options& required();               // makes the latest one mandatory
     Options& footer(const char* text); // examples and notes below the help

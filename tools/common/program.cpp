@@ -27,11 +27,19 @@ Options& Options::text(const char* names, std::string& value, const char* help)
 Options& Options::texts(const char* names, std::vector<std::string>& values, const char* help)
 {
     latest_ = app_.add_option(names, values, help);
+    if (*names == '-') // one text each time the option is given, so that it takes no positional argument for its own
+        latest_->allow_extra_args(false);
     return *this;
 }
 
 Options& Options::choice(const char* names, std::string& value, const std::vector<std::string>& allowed,
                          const char* help)
+{
+    latest_ = app_.add_option(names, value, help)->check(CLI::IsMember(allowed))->capture_default_str();
+    return *this;
+}
+
+Options& Options::choice(const char* names, int& value, const std::vector<int>& allowed, const char* help)
 {
     latest_ = app_.add_option(names, value, help)->check(CLI::IsMember(allowed))->capture_default_str();
     return *this;
@@ -46,12 +54,6 @@ Options& Options::number(const char* names, int& value, int lowest, int highest,
 Options& Options::number(const char* names, std::uint64_t& value, const char* help)
 {
     latest_ = app_.add_option(names, value, help)->capture_default_str();
-    return *this;
-}
-
-Options& Options::numbers(const char* names, std::vector<int>& values, int lowest, int highest, const char* help)
-{
-    latest_ = app_.add_option(names, values, help)->check(CLI::Range(lowest, highest))->delimiter(',');
     return *this;
 }
 

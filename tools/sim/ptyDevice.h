@@ -1,0 +1,37 @@
+// A pseudo-terminal that another program opens as if it were a serial device.
+#ifndef ZUCOM_TOOLS_PTY_DEVICE_H
+#define ZUCOM_TOOLS_PTY_DEVICE_H
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+// Only speed and stop bits of its line show here: a pseudo-terminal knows no parity.
+class PtyDevice
+{
+public:
+    // A link is a second name of the device; one that is there already is replaced if it is a symbolic link.
+    explicit PtyDevice(const std::string& link);
+    ~PtyDevice();
+    PtyDevice(const PtyDevice&) = delete;
+    PtyDevice& operator=(const PtyDevice&) = delete;
+
+    const std::string& path() const { return path_; }
+    int descriptor() const { return master_; }         // non-blocking: readable when the other program wrote
+    int closingDescriptor() const { return closing_; } // readable when a program closed the device
+
+    // 0 for a speed or number of stop bits that does not matter.
+    bool lineIs(int bitsPerSecond, int stopBits) const;
+
+    // Exclusive mode would outlive a close, because the device stays open on this side. Call it after a close.
+    void endExclusiveMode();
+
+private:
+    int master_ = -1;
+    int slave_ = -1; // kept open, or the master would report an error whenever no program has the device open
+    int closing_ = -1;
+    std::string path_;
+    std::string link_;
+};
+
+#endif
