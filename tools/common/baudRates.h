@@ -17,10 +17,9 @@ constexpr BaudRate baudRates[] = {
     {4800, B4800}, {230400, B230400}, {460800, B460800}, {921600, B921600},
 };
 
-// For an option: each of them, and 0 for what the caller calls it.
 inline std::vector<int> allowedRates()
 {
-    std::vector<int> rates{0};
+    std::vector<int> rates;
     for (const BaudRate& rate : baudRates)
         rates.push_back(rate.bitsPerSecond);
     return rates;

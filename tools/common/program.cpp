@@ -1,6 +1,7 @@
 // A program made of sub-commands: the only file that knows the argument parser.
 #include "tools/common/program.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -27,8 +28,8 @@ Options& Options::text(const char* names, std::string& value, const char* help)
 Options& Options::texts(const char* names, std::vector<std::string>& values, const char* help)
 {
     latest_ = app_.add_option(names, values, help);
-    if (*names == '-') // one text each time the option is given, so that it takes no positional argument for its own
-        latest_->allow_extra_args(false);
+    if (*names == '-') // texts between commas; not the next argument, which may be a positional one
+        latest_->allow_extra_args(false)->delimiter(',');
     return *this;
 }
 
@@ -41,7 +42,9 @@ Options& Options::choice(const char* names, std::string& value, const std::vecto
 
 Options& Options::choice(const char* names, int& value, const std::vector<int>& allowed, const char* help)
 {
-    latest_ = app_.add_option(names, value, help)->check(CLI::IsMember(allowed))->capture_default_str();
+    latest_ = app_.add_option(names, value, help)->check(CLI::IsMember(allowed));
+    if (std::ranges::find(allowed, value) != allowed.end())
+        latest_->capture_default_str();
     return *this;
 }
 
@@ -115,6 +118,11 @@ int runProgram(const char* description, std::span<const Command> commands, int a
     }
     catch (const CLI::ParseError& error)
     {
+        if (argc < 2)
+        {
+            std::fputs(program.help().c_str(), stderr);
+            return exitUsage;
+        }
         return program.exit(error) == 0 ? exitDone : exitUsage;
     }
     for (std::size_t i = 0; i < commands.size(); ++i)

@@ -1,8 +1,6 @@
 // A port of the library that closes itself.
 #include "tools/common/readerPort.h"
 
-#include <algorithm>
-
 #include <zucom/zucom.h>
 
 #include "tools/common/failure.h"
@@ -36,14 +34,10 @@ int ReaderPort::transmit(const ZuProt& frame)
 
 int ReaderPort::receive(std::span<std::uint8_t> buffer) { return ZUCOM_Receive(handle_, buffer.data(), buffer.size()); }
 
-int ReaderPort::command(const char* name, std::string& value)
+int ReaderPort::command(const char* name)
 {
-    char text[ZUCOM_KEY_LIMIT] = "";
-    value.copy(text, std::min<std::size_t>(value.size(), sizeof text - 1));
-    const int code = ZUCOM_DoPortCmd(handle_, name, text);
-    if (code == ZUCOM_OK)
-        value = text;
-    return code;
+    char value[ZUCOM_COMMAND_VALUE_SIZE] = "";
+    return ZUCOM_DoPortCmd(handle_, name, value);
 }
 
 std::string codeText(int code)

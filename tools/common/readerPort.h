@@ -21,7 +21,7 @@ public:
     std::string get(const char* key) const;             // the value, or the text of the library's code
     int transmit(const ZuProt& frame);                  // number of bytes sent, or the library's code
     int receive(std::span<std::uint8_t> buffer);        // number of bytes received, or the library's code
-    int command(const char* name, std::string& value);  // 0, or the library's code
+    int command(const char* name);                      // 0, or the library's code; for commands without a value
 
 private:
     int handle_;

@@ -1,10 +1,11 @@
 // Ctrl-C and SIGTERM as a request to stop, so that a sub-command can put everything back first.
 #include "tools/common/stopSignal.h"
 
+#include <cerrno>
 #include <system_error>
 
-#include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace
@@ -45,5 +46,11 @@ StopSignal::~StopSignal()
 }
 
 bool StopSignal::requested() const { return stopRequested != 0; }
+
+bool StopSignal::pause(int milliseconds) const
+{
+    pollfd stop{descriptor(), POLLIN, 0};
+    return poll(&stop, 1, milliseconds) == 0;
+}
 
 int StopSignal::descriptor() const { return stopPipe[0]; }

@@ -14,7 +14,8 @@ public:
     StopSignal& operator=(const StopSignal&) = delete;
 
     bool requested() const;
-    int descriptor() const; // becomes readable with the request; for poll()
+    bool pause(int milliseconds) const; // false as soon as the request comes
+    int descriptor() const;             // becomes readable with the request; for poll()
 
 private:
     struct sigaction oldInterrupt_;

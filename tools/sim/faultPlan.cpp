@@ -158,7 +158,11 @@ Delivery FaultPlan::deliveryOf(const ZuProt& answer, const ZuProt& request)
     delivery.pieces.push_back(bytesOfFrame(answer));
     for (const Planned& planned : planned_)
         if (static_cast<int>(random_() % 100) < planned.percent)
-            faults[planned.fault].spoil({delivery, answer, request, planned.number, random_});
+        {
+            const Fault& fault = faults[planned.fault];
+            fault.spoil({delivery, answer, request, planned.number, random_});
+            delivery.faults.append(" ").append(fault.name);
+        }
     return delivery;
 }
 

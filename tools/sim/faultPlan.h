@@ -18,6 +18,7 @@ struct Delivery
     std::vector<std::vector<std::uint8_t>> pieces; // one write for each
     std::chrono::milliseconds pause{0};            // between pieces
     std::optional<std::chrono::milliseconds> away; // hang up instead of answering, and return after this time
+    std::string faults;                            // names of those that struck, a blank before each
 };
 
 // Drawn afresh for every answer from one seeded source of randomness: the same seed and requests give the same faults.

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include "tools/common/frameBytes.h"
-#include "tools/common/hexText.h"
 
 namespace
 {
@@ -98,7 +97,11 @@ void ReaderSimulator::takeRequest(const ZuProt& request)
     if (!answer.setPayload(payload->data(), payload->size(), request.generation(), directionResponse,
                            static_cast<std::uint8_t>(*address)))
         return events_.traffic("silence: the answer does not fit this kind of frame");
-    send(reader_.faults.deliveryOf(answer, request));
+    events_.traffic("answer" + answer.protocolToString());
+    const Delivery delivery = reader_.faults.deliveryOf(answer, request);
+    if (!delivery.faults.empty())
+        events_.traffic("spoilt by" + delivery.faults);
+    send(delivery);
 }
 
 std::optional<int> ReaderSimulator::addressFor(const ZuProt& request) const
@@ -116,14 +119,11 @@ void ReaderSimulator::send(const Delivery& delivery)
 {
     if (delivery.away)
         return hangUp(*delivery.away);
-    if (delivery.pieces.empty())
-        events_.traffic("silence: never");
     std::chrono::milliseconds wait = delivery.delay;
     for (const std::vector<std::uint8_t>& piece : delivery.pieces)
     {
         if (!pause(wait) || !write(piece))
             return;
-        events_.traffic("answer " + hexText(piece));
         wait = delivery.pause;
     }
 }
@@ -147,7 +147,6 @@ bool ReaderSimulator::write(std::span<const std::uint8_t> bytes)
 
 void ReaderSimulator::hangUp(std::chrono::milliseconds away)
 {
-    events_.traffic("hang-up");
     device_.reset();
     pause(away);
     openDevice();

@@ -99,9 +99,9 @@ Action simCommand(Options& options)
         "  A0 *  => silence         none to any request that begins so\n"
         "Example: zucom sim --address 3 --baud 9600 --fault lost-byte@20 --seed 7";
     options.text("-a,--address", given->addresses, "Bus addresses of the readers on the line, for example 1,4-7")
-        .choice("-b,--baud", given->baud, allowedRates(), "Answer at this speed in bit/s only; 0 is any")
-        .choice("--stop-bits", given->stopBits, std::vector{0, 1, 2},
-                "Answer with this many stop bits only; 0 is any number")
+        .choice("-b,--baud", given->baud, allowedRates(), "Answer at this speed in bit/s only; else at any")
+        .choice("--stop-bits", given->stopBits, std::vector{1, 2},
+                "Answer with this many stop bits only; else with any")
         .flag("--random", given->random, "Choose address and speed at random")
         .flag("--tell", given->tell, "Tell address, speed and seed")
         .flag("--show", given->show, "Show every request and answer")
