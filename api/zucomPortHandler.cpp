@@ -37,11 +37,24 @@ catch (const std::bad_alloc&)
     return nullptr;
 }
 
+// A thread as a rule goes on with the port that it used last. What it remembers holds while no port was removed. The
+// memory for it is found without a call: it is small enough for what programs set aside for libraries loaded later.
 ZucomPort* ZucomPortHandler::getPort(int handle)
+{
+    [[gnu::tls_model("initial-exec")]] thread_local LastPort last{};
+    if (last.port != nullptr && last.handle == handle && last.removals == removals.load(std::memory_order_acquire))
+        return last.port;
+    return lookUp(handle, last);
+}
+
+ZucomPort* ZucomPortHandler::lookUp(int handle, LastPort& last)
 {
     const std::lock_guard lock(mutex);
     const auto entry = portMap.find(handle);
-    return entry != portMap.end() ? entry->second : nullptr;
+    if (entry == portMap.end())
+        return nullptr;
+    last = {handle, removals.load(std::memory_order_relaxed), entry->second};
+    return last.port;
 }
 
 int ZucomPortHandler::deletePort(int handle)
@@ -53,6 +66,7 @@ int ZucomPortHandler::deletePort(int handle)
         return ZUCOM_ERR_HANDLE_ZERO;
     port.reset(entry->second);
     portMap.erase(entry);
+    removals.fetch_add(1, std::memory_order_release);
     return ZUCOM_OK;
 }
 

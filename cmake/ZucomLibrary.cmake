@@ -25,10 +25,11 @@ set_target_properties(zucom PROPERTIES
   SOVERSION ${PROJECT_VERSION_MAJOR}
   LINK_DEPENDS "${PROJECT_SOURCE_DIR}/api/zucom.map")
 
+# Bsymbolic-functions: the library's own calls stay inside, whatever functions of the same names a program has.
 # nodelete: configuration is read once per process, and callbacks and open ports outlive a dlclose().
 target_link_options(zucom PRIVATE
   "LINKER:--version-script=${PROJECT_SOURCE_DIR}/api/zucom.map"
-  "LINKER:-z,nodelete,-z,relro,-z,now,--as-needed,--no-undefined-version")
+  "LINKER:-Bsymbolic-functions,-z,nodelete,-z,relro,-z,now,--as-needed,--no-undefined-version")
 if(NOT ZUCOM_SANITIZE)
   target_link_options(zucom PRIVATE "LINKER:-z,defs")
 endif()

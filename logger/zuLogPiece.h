@@ -2,6 +2,7 @@
 // that matters, so a log point may name its values even while it is off.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -30,6 +31,19 @@ std::size_t textRoom(std::string_view value);
 std::size_t textRoom(int64_t value);
 std::size_t textRoom(ZuDump value);
 std::size_t textRoom(ZuErrno value);
+
+// A value that takes work comes as a function without arguments, which is called when the line is composed.
+template <std::invocable Function>
+void appendText(std::string& out, const Function& value)
+{
+    appendText(out, value());
+}
+
+template <std::invocable Function>
+std::size_t textRoom(const Function& value)
+{
+    return textRoom(value());
+}
 
 class ZuLogPiece
 {

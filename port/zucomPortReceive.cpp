@@ -33,7 +33,7 @@ int ZucomPort::receive(uint8_t* buf, size_t size)
     }
     if (size == 0)
         return call.fail(175, ZUCOM_ERR_OUT_OF_RANGE);
-    call.trace(185, "Timeout: ", timeout_usec / 1000);
+    call.trace(185, "Timeout: ", [this] { return timeout_usec / 1000; });
     protQueue.clear();
     if (fileDescriptor <= 0)
         return call.fail(242, ZUCOM_ERR_NOT_CONNECTED);
@@ -51,7 +51,7 @@ int ZucomPort::receive(uint8_t* buf, size_t size)
     return call.failSilently(ZUCOM_ERR_MEMORY);
 }
 
-int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size)
+inline int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size)
 {
     ZuReadWait wait(timeout_usec);
     while (true)
@@ -62,7 +62,7 @@ int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size)
         if (ready == 0)
             return timeOut(call);
 
-        const ssize_t count = ::read(fileDescriptor, protQueue.next(size), size);
+        const ssize_t count = ::read(fileDescriptor, protQueue.unclearedRoom(size), size);
         if (count == 0)
             return deviceLost(call, ZUCOM_ERR_NOT_CONNECTED);
         if (count < 0)
@@ -73,7 +73,7 @@ int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size)
                 return timeOut(call);
             continue;
         }
-        protQueue.addSize(std::min(static_cast<std::size_t>(count), maxWaitingBytes - protQueue.fill));
+        protQueue.addReceived(std::min(static_cast<std::size_t>(count), maxWaitingBytes - protQueue.fill));
         const int64_t length = protQueue.popProtocol(buf, size);
         if (length != 0)
             return frameReceived(call, buf, length);
@@ -93,7 +93,7 @@ int ZucomPort::deviceLost(const ZuCall& call, int code)
     return code;
 }
 
-int ZucomPort::frameReceived(const ZuCall& call, const uint8_t* frame, int64_t length)
+inline int ZucomPort::frameReceived(const ZuCall& call, const uint8_t* frame, int64_t length)
 {
     const std::size_t shown = length > 0 ? static_cast<std::size_t>(length) : 0;
     call.trace(246, "Received protocol: ", ZuDump{frame, shown}, " Length: ", length);

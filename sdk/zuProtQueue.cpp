@@ -27,26 +27,20 @@ void ZuProtQueue::clear()
 
 uint8_t* ZuProtQueue::next(std::size_t n)
 {
-    if (n > maxStore - fill)
-        throw std::length_error("ZuProtQueue::next");
-    if (n > capacity - front - fill)
-        makeRoom(n);
-    length = fill + n;
-
+    uint8_t* room = unclearedRoom(n);
     const std::size_t roomBegin = front + fill;
-    const std::size_t cleanFrom = std::min(dirtyEnd, front + length);
-    if (cleanFrom > roomBegin)
-        std::memset(bytes.get() + roomBegin, 0, cleanFrom - roomBegin);
-    if (dirtyEnd == cleanFrom)
-        dirtyEnd = std::min(dirtyEnd, roomBegin);
-    return bytes.get() + roomBegin;
+    const std::size_t roomEnd = front + length;
+    if (dirtyEnd > roomBegin)
+    {
+        const std::size_t clearedEnd = std::min(dirtyEnd, roomEnd);
+        std::memset(room, 0, clearedEnd - roomBegin);
+        if (clearedEnd == dirtyEnd)
+            dirtyEnd = roomBegin;
+    }
+    return room;
 }
 
-void ZuProtQueue::addSize(std::size_t n)
-{
-    fill += std::min(n, length - fill);
-    dirtyEnd = std::max(dirtyEnd, front + fill);
-}
+void ZuProtQueue::addSize(std::size_t n) { addReceived(std::min(n, length - fill)); }
 
 int64_t ZuProtQueue::popProtocol(uint8_t* dst, std::size_t cap)
 {
@@ -90,6 +84,8 @@ inline std::size_t ZuProtQueue::header(std::size_t index) const { return index <
 // before, and moving costs no more than receiving did.
 void ZuProtQueue::makeRoom(std::size_t n)
 {
+    if (n > maxStore - fill)
+        throw std::length_error("ZuProtQueue::next");
     const std::size_t wanted = fill > maxStore - fill - n ? maxStore : fill + fill + n;
     if (wanted > capacity)
     {

@@ -67,6 +67,23 @@ private:
         void operator()(uint8_t* memory) const { std::free(memory); }
     };
 
+    // next() for an owner that adds only what it wrote: the room is not cleared.
+    ZUCOM_LOCAL uint8_t* unclearedRoom(std::size_t n)
+    {
+        if (n > capacity - front - fill)
+            makeRoom(n);
+        length = fill + n;
+        return bytes.get() + front + fill;
+    }
+
+    // addSize() for the same owner: no more than the room.
+    ZUCOM_LOCAL void addReceived(std::size_t n)
+    {
+        fill += n;
+        if (dirtyEnd < front + fill)
+            dirtyEnd = front + fill;
+    }
+
     ZUCOM_LOCAL std::size_t header(std::size_t index) const;
     ZUCOM_LOCAL void makeRoom(std::size_t n);
 

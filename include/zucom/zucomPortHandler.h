@@ -6,6 +6,7 @@
 #define ZUCOM_PORT_HANDLER_H
 
 #include <atomic>
+#include <cstdint>
 #include <map>
 #include <mutex>
 
@@ -59,6 +60,14 @@ private:
 
     ZUCOM_LOCAL static ZucomPortHandler g_portHandler;
 
+    struct LastPort // what a thread remembers of its last look-up
+    {
+        int handle;
+        uint32_t removals;
+        ZucomPort* port;
+    };
+
+    ZUCOM_LOCAL __attribute__((noinline)) ZucomPort* lookUp(int handle, LastPort& last);
     ZUCOM_LOCAL int lastErrorOf(const ZucomPort& port) const;
     ZUCOM_LOCAL int handleOf(const ZucomPort& port) const;
 
@@ -66,6 +75,7 @@ private:
     std::atomic<int> lastError{0};
     char version[16];
     std::mutex mutex;
+    std::atomic<uint32_t> removals{0}; // raised whenever a port leaves the map
 };
 
 #endif
