@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <regex>
 
 #include "tests/logger/collector.h"
 #include "tests/logger/logRun.h"
@@ -90,5 +91,27 @@ TEST(SampleConfiguration, givesTheFilesAndDatagramsItAsksFor)
                   fileHeader + lines + lines,
               run.result);
     EXPECT_EQ("", run.console);
+}
+
+// docs/mirn.conf as it is, and with the remark sign taken off every key that it offers.
+TEST(ExampleConfiguration, readsAsItsRemarksSay)
+{
+    const std::string shipped = contentOf(ZUCOM_SOURCE_DIR "/docs/mirn.conf");
+    const std::pair<std::string, const char*> cases[] = {
+        {shipped, "2147483648 abs own /var/log/readers/portlog-ZUCOM-RH1.log"},
+        {std::regex_replace(shipped, std::regex("\n#([a-z])"), "\n$1"),
+         "2147483649 abs console shared logcat /var/log/readers/portlog-ZUCOM.log 127.0.0.1:4711"},
+    };
+    for (const auto& [text, settings] : cases)
+    {
+        const LogRun run(
+            [&]
+            {
+                configure(text);
+                const ProbeLogger logger(1);
+                return std::to_string(logger.logConditions) + " " + logger.settings();
+            });
+        EXPECT_EQ(settings, run.result);
+    }
 }
 } // namespace
