@@ -77,16 +77,26 @@ struct DeviceCalls
         return system(*active, limit);
     }
 
-    static int opened(DeviceFaults& faults, int descriptor)
+    static int moved(const DeviceFaults& faults, int descriptor)
     {
         if (descriptor >= 0 && descriptor < faults.lowestDescriptor)
         {
             const Aside aside;
-            const int moved = ::fcntl(descriptor, F_DUPFD, faults.lowestDescriptor);
-            ::close(descriptor);
-            descriptor = moved;
+            const int low = descriptor;
+            descriptor = ::fcntl(low, F_DUPFD, faults.lowestDescriptor);
+            ::close(low);
         }
-        return faults.descriptor_ = descriptor;
+        return descriptor;
+    }
+
+    /** @return Whether a call on the descriptor is the test's business. */
+    static bool watched(int descriptor) { return active && (descriptor < 0 || active->opened_.count(descriptor) != 0); }
+
+    static int opened(int descriptor)
+    {
+        active->descriptor_ = descriptor;
+        active->opened_.insert(descriptor);
+        return descriptor;
     }
 
     static void closed(DeviceFaults& faults, int descriptor)
@@ -212,8 +222,10 @@ std::string setText(int count, const fd_set* set)
 }
 
 /** Waits without letting real time pass. */
-int selectInVirtualTime(DeviceFaults& faults, int count, fd_set* reading, timeval* timeout)
+int selectInVirtualTime(DeviceFaults& faults, int64_t waited, int count, fd_set* reading, timeval* timeout)
 {
+    const int64_t rest = std::max<int64_t>(timeout->tv_sec * 1000000L + timeout->tv_usec - waited, 0);
+    *timeout = {rest / 1000000, rest % 1000000};
     pollfd device{count - 1, POLLIN, 0};
     const int ready = ::poll(&device, 1, 0);
     if (ready < 0 || (device.revents & POLLNVAL))
@@ -223,7 +235,7 @@ int selectInVirtualTime(DeviceFaults& faults, int count, fd_set* reading, timeva
     }
     if (ready > 0)
         return 1;
-    faults.advance(timeout->tv_sec * 1000000L + timeout->tv_usec);
+    faults.advance(rest);
     *timeout = {0, 0};
     auto* const words = reinterpret_cast<unsigned long*>(reading);
     words[(count - 1) / 64] &= ~(1UL << ((count - 1) % 64));
@@ -292,9 +304,10 @@ extern "C"
         static auto* const system = next<int(const char*, int, ...)>("open");
         if (!active)
             return system(path, flags, mode);
-        return static_cast<int>(DeviceCalls::run(std::string("open(") + path + ", " + flagText(flags) + ")",
+        const long descriptor = DeviceCalls::run(std::string("open(") + path + ", " + flagText(flags) + ")",
                                                  [&](DeviceFaults& faults, std::size_t)
-                                                 { return DeviceCalls::opened(faults, system(path, flags, mode)); }));
+                                                 { return DeviceCalls::moved(faults, system(path, flags, mode)); });
+        return DeviceCalls::opened(static_cast<int>(descriptor));
     }
 
     int fcntl(int descriptor, int command, ...)
@@ -304,7 +317,7 @@ extern "C"
         void* const argument = va_arg(list, void*);
         va_end(list);
         static auto* const system = next<int(int, int, ...)>("fcntl");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, command, argument);
         static const std::map<int, const char*> names = {
             {F_SETFL, "F_SETFL"}, {F_SETFD, "F_SETFD"}, {F_GETFL, "F_GETFL"}, {F_GETFD, "F_GETFD"}};
@@ -317,7 +330,7 @@ extern "C"
     int tcgetattr(int descriptor, termios* line) noexcept
     {
         static auto* const system = next<int(int, termios*)>("tcgetattr");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, line);
         return static_cast<int>(DeviceCalls::run("tcgetattr(" + DeviceCalls::fd(descriptor) + ")",
                                                  [&](DeviceFaults&, std::size_t) { return system(descriptor, line); }));
@@ -326,7 +339,7 @@ extern "C"
     int tcsetattr(int descriptor, int when, const termios* line) noexcept
     {
         static auto* const system = next<int(int, int, const termios*)>("tcsetattr");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, when, line);
         return static_cast<int>(DeviceCalls::run(
             "tcsetattr(" + DeviceCalls::fd(descriptor) + ", " + (when == TCSANOW ? "TCSANOW" : "later") + ", " +
@@ -341,7 +354,7 @@ extern "C"
     int tcflush(int descriptor, int queue) noexcept
     {
         static auto* const system = next<int(int, int)>("tcflush");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, queue);
         static const std::map<int, const char*> names = {
             {TCIFLUSH, "TCIFLUSH"}, {TCOFLUSH, "TCOFLUSH"}, {TCIOFLUSH, "TCIOFLUSH"}};
@@ -357,7 +370,7 @@ extern "C"
         void* const argument = va_arg(list, void*);
         va_end(list);
         static auto* const system = next<int(int, unsigned long, ...)>("ioctl");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, request, argument);
         return static_cast<int>(DeviceCalls::run(ioctlText(descriptor, request, argument),
                                                  [&](DeviceFaults& faults, std::size_t)
@@ -370,18 +383,20 @@ extern "C"
     int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval* timeout)
     {
         static auto* const system = next<int(int, fd_set*, fd_set*, fd_set*, timeval*)>("select");
-        if (!active)
+        if (!DeviceCalls::watched(count - 1))
             return system(count, reading, writing, failing, timeout);
         const std::string text = "select(" + setText(count, reading) +
                                  (count == active->descriptor() + 1 ? "" : " of " + std::to_string(count)) +
                                  (writing || failing ? " and others" : "") + ", " +
                                  std::to_string(timeout->tv_sec * 1000000L + timeout->tv_usec) +
                                  (timeout->tv_usec < 1000000 ? " us)" : " us, not normalised)");
+        const int64_t start = active->elapsed();
         return static_cast<int>(DeviceCalls::run(text,
                                                  [&](DeviceFaults& faults, std::size_t)
                                                  {
                                                      if (faults.virtualTime)
-                                                         return selectInVirtualTime(faults, count, reading, timeout);
+                                                         return selectInVirtualTime(faults, faults.elapsed() - start,
+                                                                                    count, reading, timeout);
                                                      return system(count, reading, writing, failing, timeout);
                                                  }));
     }
@@ -389,7 +404,7 @@ extern "C"
     ssize_t read(int descriptor, void* buffer, size_t size)
     {
         static auto* const system = next<ssize_t(int, void*, size_t)>("read");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, buffer, size);
         return DeviceCalls::run("read(" + DeviceCalls::fd(descriptor) + ", " + std::to_string(size) + ")",
                                 [&](DeviceFaults&, std::size_t limit)
@@ -399,7 +414,7 @@ extern "C"
     ssize_t write(int descriptor, const void* buffer, size_t size)
     {
         static auto* const system = next<ssize_t(int, const void*, size_t)>("write");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor, buffer, size);
         return DeviceCalls::run("write(" + DeviceCalls::fd(descriptor) + ", " + std::to_string(size) + ")",
                                 [&](DeviceFaults&, std::size_t limit)
@@ -409,7 +424,7 @@ extern "C"
     int close(int descriptor)
     {
         static auto* const system = next<int(int)>("close");
-        if (!active)
+        if (!DeviceCalls::watched(descriptor))
             return system(descriptor);
         // A close that reports an error has closed all the same.
         bool done = false;

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,14 +17,15 @@
 
 /**
  * While an object lives, open, fcntl, tcgetattr, tcsetattr, tcflush, ioctl, select, read, write, close and nanosleep of
- * its own thread go through it; other threads reach the system directly. One object at a time on a thread.
+ * its own thread go through it, on what is opened meanwhile and on descriptors that are none; everything else reaches
+ * the system directly. One object at a time on a thread.
  *
  * Each call is kept as a text, for example "tcsetattr(fd, TCSANOW, 9600 8E1 raw)"; "fd" is the descriptor opened last.
  * Rules name calls by the beginning of that text and a number: 1 for the first call that begins so, 0 for every one.
  *
  * The terminal behind the descriptor behaves as a serial driver does: settings that change nothing are no error, RS485
  * settings and modem lines exist and are kept in the members. Time is virtual: it stands still, except that nanosleep
- * and a select that waits in vain let it pass at once.
+ * and a select that waits in vain let it pass at once. Time that an action before a select lets pass counts as waited.
  */
 class DeviceFaults
 {
@@ -86,6 +88,7 @@ private:
 
     std::vector<Rule> rules_;
     std::vector<std::string> calls_;
+    std::set<int> opened_;
     int descriptor_ = -1;
     int64_t start_usec_;
     int64_t clock_usec_;

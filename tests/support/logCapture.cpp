@@ -18,17 +18,16 @@ Lines captured; // guarded by capturedMutex
 
 std::string shortForm(const std::string& line)
 {
-    static const std::regex form(
-        R"(\d{4}\.\d\d\.\d\d-\d\d\.\d\d\.\d\d\.\d{6} :: ZUCOM PH=0x[1-9a-f][0-9a-f]* TID=(\d+) )"
-        R"(ZucomPort::(\w+:\d+(?: ERROR)? :: [\s\S]*))");
+    static const std::regex location(R"(\d{4}\.\d\d\.\d\d-\d\d\.\d\d\.\d\d\.\d{6} :: ZUCOM PH=0x[1-9a-f][0-9a-f]* )"
+                                     R"(TID=(\d+) ZucomPort::(\w+:\d+(?: ERROR)?) :: )");
     std::smatch part;
-    if (!std::regex_match(line, part, form))
+    if (!std::regex_search(line, part, location, std::regex_constants::match_continuous))
     {
         ADD_FAILURE() << "log line without the usual form: " << line;
         return line;
     }
     EXPECT_EQ(std::to_string(pthread_self()), part.str(1)) << "thread identifier in " << line;
-    return part.str(2);
+    return part.str(2) + " :: " + part.suffix().str();
 }
 
 void capture(void*, const char* line)
@@ -89,8 +88,11 @@ void LogCapture::putBack(Lines lines)
 
 Lines LogCapture::visible(Lines lines)
 {
-    static const std::regex errorCondition(R"(\w+:(?:\d+ ERROR|97|491|518) :: [\s\S]*)");
+    static const std::regex errorCondition(R"(\w+:(?:\d+ ERROR|97|491|518) :: )");
     std::erase_if(lines,
-                  [](const std::string& line) { return std::regex_match(line, errorCondition) ? !error() : !trace(); });
+                  [](const std::string& line) {
+                      return std::regex_search(line, errorCondition, std::regex_constants::match_continuous) ? !error()
+                                                                                                             : !trace();
+                  });
     return lines;
 }

@@ -28,13 +28,19 @@ PtyReader::PtyReader() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)), s
     path_ = name;
     slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
     require(slave_ >= 0, name);
-    termios line{};
-    tcgetattr(slave_, &line);
-    cfmakeraw(&line);
-    require(tcsetattr(slave_, TCSANOW, &line) == 0, "tcsetattr");
+    termios raw = line();
+    cfmakeraw(&raw);
+    require(tcsetattr(slave_, TCSANOW, &raw) == 0, "tcsetattr");
 }
 
 PtyReader::~PtyReader() { hangUp(); }
+
+termios PtyReader::line() const
+{
+    termios line{};
+    require(tcgetattr(slave_, &line) == 0, "tcgetattr");
+    return line;
+}
 
 void PtyReader::write(const Bytes& bytes) const
 {

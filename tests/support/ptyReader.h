@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <termios.h>
+
 using Bytes = std::vector<uint8_t>;
 
 /**
@@ -28,6 +30,9 @@ public:
 
     /** @return Path of the device to open. */
     const char* path() const { return path_.c_str(); }
+
+    /** @return The settings that the device has now. */
+    termios line() const;
 
     /** Writes bytes to the port at once and waits until the device has them. */
     void write(const Bytes& bytes) const;
