@@ -25,14 +25,21 @@ for page in "$scratch"/man?/*; do
     while read -r line; do fault "$(basename "$page"): $line"; done <"$scratch/lint"
 done
 
-# Every function has a page, every result code a row.
+# Every function has a page; every result code, with its text, and every key has a row in the overview.
+overview=docs/man/libzucom.7
 functions=$(grep -oE 'ZUCOM_API [^(]*\bZUCOM_[A-Za-z]+\(' include/zucom/zucom.h | grep -oE 'ZUCOM_[A-Za-z]+\(' | tr -d '(' | sort -u)
 for function in $functions; do
     [ -f "docs/man/$function.3" ] || fault "no manual page for $function"
 done
 while read -r name code; do
-    grep -qE "^(\\\\)?$code $name( \*)?	" docs/man/libzucom.7 || fault "libzucom.7 has no row for $code $name"
+    grep -qE "^(\\\\)?$code $name( \*)?	" "$overview" || fault "$overview has no row for $code $name"
 done < <(sed -nE 's/^ *(ZUCOM_(OK|ERR_[A-Z_]+)) = (-?[0-9]+).*/\1 \3/p' include/zucom/zucom.h)
+while IFS=$'\t' read -r _ text; do
+    grep -qF "\"ZUCOM: $text" api/zucomErrorText.cpp || fault "$overview: no code has the text $text"
+done < <(grep -E '^(\\-)?[0-9]+ ZUCOM_' "$overview")
+for key in $(grep -ohE '\{"[A-Za-z0-9]{4,}",' port/*.cpp logger/*.cpp | tr -d '{",'); do
+    grep -qE "^$key(	|, )" "$overview" || fault "$overview has no row for the key $key"
+done
 
 # The program of the overview compiles.
 sed -n '/^#include <stdio.h>/,/^\.Ed/p' docs/man/libzucom.7 | sed '$d; s/\\e/\\/g' >"$scratch/example.c"
