@@ -1,4 +1,6 @@
 /* Loads one shared library and prints the processor time that took, in nanoseconds. */
+#define _POSIX_C_SOURCE 200809L
+
 #include <dlfcn.h>
 #include <stdio.h>
 #include <time.h>
