@@ -89,7 +89,8 @@ void ZuProtQueue::makeRoom(std::size_t n)
     const std::size_t wanted = fill > maxStore - fill - n ? maxStore : fill + fill + n;
     if (wanted > capacity)
     {
-        const std::size_t grown = wanted > maxStore - blockSize ? maxStore : (wanted / blockSize + 1) * blockSize;
+        const std::size_t grown =
+            wanted > maxStore - blockSize ? maxStore : (wanted + blockSize - 1) / blockSize * blockSize;
         std::unique_ptr<uint8_t[], Release> block(static_cast<uint8_t*>(std::calloc(grown, 1)));
         if (!block)
             throw std::bad_alloc();

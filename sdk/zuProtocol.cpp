@@ -62,6 +62,7 @@ static_assert(crcTables[0][1] == 0x1189);
 uint16_t crcOfBlock(const uint8_t* data, uint16_t crc)
 {
     unsigned sum = crcTables[crcBlock - 1][data[0] ^ (crc & 0xFF)] ^ crcTables[crcBlock - 2][data[1] ^ (crc >> 8)];
+#pragma GCC unroll 16
     for (std::size_t i = 2; i < crcBlock; ++i)
         sum ^= crcTables[crcBlock - 1 - i][data[i]];
     return static_cast<uint16_t>(sum);
