@@ -41,7 +41,7 @@ const char* parseValue(const char* position, std::string& value, char separator)
 
 std::string ZuParameter::getSection(const char* text, const char* name)
 {
-    const std::string marker = "[" + std::string(orEmpty(name)) + "]";
+    const std::string marker = std::string("[").append(orEmpty(name)).append("]");
     const char* found = std::strstr(orEmpty(text), marker.c_str());
     if (found == nullptr)
         return {};
@@ -68,7 +68,7 @@ const char* ZuParameter::getSection(const char* position, std::string& name, std
 
 std::string ZuParameter::buildSectionBody(const char* name, const char* body)
 {
-    return "[" + std::string(orEmpty(name)) + "]\n" + orEmpty(body) + "\n";
+    return std::string("[").append(orEmpty(name)).append("]\n").append(orEmpty(body)).append("\n");
 }
 
 const char* ZuParameter::parseSection(const char* position, std::string& tag, std::string& value, char separator,
