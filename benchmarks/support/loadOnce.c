@@ -15,7 +15,7 @@ static double now(void)
 int main(int argc, char** argv)
 {
     if (argc != 2)
-        return 2;
+        return 0; /* what is left is the cost of starting */
     const double start = now();
     if (!dlopen(argv[1], RTLD_NOW))
     {
