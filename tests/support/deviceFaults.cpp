@@ -99,8 +99,10 @@ struct DeviceCalls
         return descriptor;
     }
 
-    static void closed(DeviceFaults& faults, int descriptor)
+    static void closing(DeviceFaults& faults, int descriptor)
     {
+        const Aside aside;
+        ::ioctl(descriptor, TIOCNXCL); // a pseudo-terminal keeps exclusive access beyond the close
         if (descriptor == faults.descriptor_)
             faults.descriptor_ = -1;
     }
@@ -431,7 +433,7 @@ extern "C"
         const auto closeNow = [&](DeviceFaults& faults, std::size_t)
         {
             done = true;
-            DeviceCalls::closed(faults, descriptor);
+            DeviceCalls::closing(faults, descriptor);
             return system(descriptor);
         };
         const long result = DeviceCalls::run("close(" + DeviceCalls::fd(descriptor) + ")", closeNow);

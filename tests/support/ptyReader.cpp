@@ -80,6 +80,8 @@ Bytes PtyReader::read(std::size_t count) const
     return received;
 }
 
+void PtyReader::release() const { ioctl(slave_, TIOCNXCL); }
+
 void PtyReader::hangUp()
 {
     for (int* end : {&master_, &slave_})

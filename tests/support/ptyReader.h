@@ -46,6 +46,10 @@ public:
     /** @return What the port has sent, at least @p count bytes; waits for them for up to 10 s. */
     Bytes read(std::size_t count) const;
 
+    /** Ends the exclusive access that a port took: a pseudo-terminal keeps it beyond the close, a serial line does not.
+     */
+    void release() const;
+
     /** Closes the reader's end; the device of the port is gone then. */
     void hangUp();
 
