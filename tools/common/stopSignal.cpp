@@ -19,6 +19,7 @@ void onStop(int)
     const int savedErrno = errno;
     stopRequested = 1;
     [[maybe_unused]] const ssize_t written = write(stopPipe[1], "", 1);
+    alarm(1); // comes here again and interrupts a wait that had not quite begun
     errno = savedErrno;
 }
 
@@ -35,12 +36,15 @@ StopSignal::StopSignal()
     action.sa_handler = onStop; // without SA_RESTART: a wait ends at once
     sigaction(SIGINT, &action, &oldInterrupt_);
     sigaction(SIGTERM, &action, &oldTerminate_);
+    sigaction(SIGALRM, &action, &oldAlarm_);
 }
 
 StopSignal::~StopSignal()
 {
     sigaction(SIGINT, &oldInterrupt_, nullptr);
     sigaction(SIGTERM, &oldTerminate_, nullptr);
+    alarm(0);
+    sigaction(SIGALRM, &oldAlarm_, nullptr);
     close(stopPipe[0]);
     close(stopPipe[1]);
 }

@@ -20,6 +20,7 @@ public:
 private:
     struct sigaction oldInterrupt_;
     struct sigaction oldTerminate_;
+    struct sigaction oldAlarm_;
 };
 
 #endif

@@ -146,9 +146,9 @@ FaultPlan::Planned FaultPlan::plannedOf(const std::string& text)
     const auto* fault = std::ranges::find(faults, bare, &Fault::name);
     if (fault == std::end(faults))
         throw UsageError(fmt::format("no fault is called {}", bare));
+    if (fault->highest == 0 && bare.size() < name.size())
+        throw UsageError(fmt::format("fault {} takes no number", bare));
     const std::optional<int> number = cutNumber(name, '=', fault->highest);
-    if (number && fault->highest == 0)
-        throw UsageError(fmt::format("fault {} takes no number", name));
     return {static_cast<std::size_t>(fault - faults), number.value_or(fault->number), percent};
 }
 
