@@ -78,7 +78,7 @@ Bytes repaired(ByteView bytes, const Repair& repair)
     const auto at = result.begin() + static_cast<std::ptrdiff_t>(repair.offset);
     if (repair.kind == Repair::insert)
         result.insert(at, repair.value);
-    else if (repair.kind == Repair::remove)
+    else if (repair.kind == Repair::drop)
         result.erase(at);
     else
         *at = repair.value;
@@ -106,7 +106,7 @@ std::vector<Repair> findRepairs(ByteView bytes, std::size_t atMost)
         if (crc.joins(before[i], needed[i], byte) && (i == 0 || bytes[i - 1] != byte))
             collector.propose({Repair::insert, i, byte});
         if (i < count && before[i] == needed[i + 1] && (i == 0 || bytes[i - 1] != bytes[i]))
-            collector.propose({Repair::remove, i, bytes[i]});
+            collector.propose({Repair::drop, i, bytes[i]});
         if (i < count && crc.joins(before[i], needed[i + 1], byte) && byte != bytes[i])
             collector.propose({Repair::change, i, byte});
     }

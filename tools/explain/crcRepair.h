@@ -9,12 +9,12 @@ struct Repair
     enum Kind
     {
         insert, // a byte is missing before the offset
-        remove, // the byte at the offset is too many
+        drop,   // the byte at the offset is too many
         change, // the byte at the offset has another value
     };
     Kind kind;
     std::size_t offset;
-    std::uint8_t value; // of the byte that was sent; for remove, of the byte that is too many
+    std::uint8_t value; // of the byte that was sent; for drop, of the byte that is too many
 };
 
 Bytes repaired(ByteView bytes, const Repair& repair);

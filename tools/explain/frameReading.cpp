@@ -256,7 +256,7 @@ private:
         const std::string value = byteText(repair.value, repair.offset);
         if (repair.kind == Repair::insert)
             return fmt::format("a byte is missing: {} at offset {}", value, repair.offset);
-        if (repair.kind == Repair::remove)
+        if (repair.kind == Repair::drop)
             return fmt::format("a byte is too many: {} at offset {}", value, repair.offset);
         const unsigned flipped = repair.value ^ bytes_[repair.offset];
         return fmt::format("{}: the byte at offset {} must be {}",
