@@ -39,4 +39,7 @@ endif()
 if(ZUCOM_SANITIZE)
   add_compile_options(-fsanitize=${ZUCOM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZUCOM_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-maybe-uninitialized) # false where the code is instrumented; the sanitizers see the real ones
+  endif()
 endif()
