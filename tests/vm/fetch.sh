@@ -1,4 +1,4 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # fetch.sh FOLDER: downloads Debian's kernel and a static busybox for arm64 into FOLDER and unpacks them to FOLDER/root.
 # apt works on a state of its own in FOLDER, from the sources of this machine: no rights, no foreign architecture here.
 set -euo pipefail
