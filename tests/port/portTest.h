@@ -81,12 +81,4 @@ protected:
     std::string restoreLine() const { return "tcsetattr(fd, TCSANOW, " + lineBefore_ + ")"; }
 };
 
-/** Puts lists one behind the other. */
-template <class Item>
-std::vector<Item> operator+(std::vector<Item> left, const std::vector<Item>& right)
-{
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
-}
-
 #endif

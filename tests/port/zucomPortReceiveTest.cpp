@@ -36,7 +36,12 @@ protected:
     {
         reader_.answers(std::move(pieces));
         device_.clearRules();
-        device_.before("select", 0, [this] { reader_.writeNext(); });
+        device_.before("select", 0,
+                       [this]
+                       {
+                           device_.advance(1000);
+                           reader_.writeNext();
+                       });
     }
 
     static std::string received(const std::string& dump, int length)

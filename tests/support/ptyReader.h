@@ -60,4 +60,12 @@ private:
     std::deque<Bytes> pieces_;
 };
 
+/** Puts lists one behind the other. */
+template <class Item>
+std::vector<Item> operator+(std::vector<Item> left, const std::vector<Item>& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
 #endif
