@@ -51,9 +51,9 @@ if [ -z "$device" ]; then
     simulator=$!
     read -r device <"$scratch/sim" # waits until the device is there
     echo "$device"
-    step "zucom scan: as if nobody knew its speed and address" "${zucom[@]}" scan "$device"
+    step "zucom scan: as if nobody knew its speed and address" "${zucom[@]}" scan "$device" --timeout 500
 else
-    step "zucom scan: how is the reader set?" "${zucom[@]}" scan "$device" | tee "$scratch/found"
+    step "zucom scan: how is the reader set?" "${zucom[@]}" scan "$device" --timeout 500 | tee "$scratch/found"
     read -r -a line < <(sed -n 's/.* --baud \([0-9]*\) --frame \([^ ]*\) --address \([0-9]*\).*/\1 \2 \3/p' "$scratch/found")
 fi
 

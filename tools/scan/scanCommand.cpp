@@ -31,7 +31,7 @@ struct ScanOptions
     std::string kind = "standard";
     std::string payload = "52 00";
     std::string mode;
-    int timeout = 100; // ms
+    int timeout = 250; // ms
     bool all = false;
     bool json = false;
 };
