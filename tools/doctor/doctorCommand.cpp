@@ -119,7 +119,7 @@ int explainCode(const std::string& text)
 Action doctorCommand(Options& options)
 {
     const auto settings = std::make_shared<Settings>();
-    options.text("DEVICE", settings->device, "Path of the serial device")
+    options.text("device", settings->device, "Path of the serial device")
         .text("-c,--code", settings->code, "Explain a code of the library, with or without the minus sign, or all")
         .flag("--ping", settings->wantsPing, "Ask a reader through the library, with the options below")
         .flag("--modem-lines", settings->modemLines, "Read the modem lines too")

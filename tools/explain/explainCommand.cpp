@@ -124,7 +124,7 @@ Action explainCommand(Options& options)
 {
     const auto settings = std::make_shared<Settings>();
     options
-        .texts("TEXT", settings->texts,
+        .texts("text", settings->texts,
                "Hexadecimal bytes, a log line in quotes, or a file with either on each line; - or nothing is standard "
                "input")
         .flag("-b,--broken", settings->brokenOnly, "Show only what is broken or failed")

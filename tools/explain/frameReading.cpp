@@ -26,7 +26,7 @@ std::string crcBytes(unsigned crc) { return fmt::format("{:02X} {:02X}", crc & 0
 class Reader
 {
 public:
-    Reader(ByteView bytes, Direction direction) : bytes_(bytes), secretFrom_(bytes.size()), secretTo_(bytes.size())
+    Reader(ByteView bytes, Direction direction) : bytes_(bytes), secretTo_(bytes.size())
     {
         reading_.length = bytes.size();
         reading_.direction = direction;
@@ -274,7 +274,7 @@ private:
         Bytes completed(bytes_.begin(), bytes_.end());
         completed.resize(completed.size() + crcSize);
         completed = withCrc(completed);
-        if (missing == crcSize && isWholeFrame(completed) && secretFrom_ == bytes_.size())
+        if (missing == crcSize && isWholeFrame(completed) && secretFrom_ == noSecret)
             reading_.remedies.push_back(fmt::format("the CRC may be missing: {:02X} {:02X} at the end",
                                                     completed[completed.size() - 2], completed.back()));
         else if (reading_.remedies.empty())
@@ -292,7 +292,8 @@ private:
     ByteView bytes_;
     FrameReading reading_;
     const FrameLayout* layout_ = nullptr;
-    std::size_t secretFrom_; // offsets of the first secret byte and of the byte behind the last
+    static constexpr std::size_t noSecret = SIZE_MAX;
+    std::size_t secretFrom_ = noSecret; // offsets of the first secret byte and of the byte behind the last
     std::size_t secretTo_;
 };
 

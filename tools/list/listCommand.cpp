@@ -27,7 +27,7 @@ nlohmann::ordered_json deviceJson(const SerialDevice& device)
 {
     nlohmann::ordered_json holders = nlohmann::ordered_json::array();
     for (const Holder& holder : device.holders)
-        holders.push_back({{"pid", holder.pid}, {"name", holder.name}});
+        holders.push_back({{"pid", holder.pid}, {"name", holder.name}, {"otherEnd", holder.otherEnd}});
     nlohmann::ordered_json usb;
     if (!device.usbVendor.empty())
         usb = {{"vendor", device.usbVendor},

@@ -99,7 +99,7 @@ Action monitorCommand(Options& options)
 {
     const auto settings = std::make_shared<Settings>();
     options
-        .text("ADDRESS", settings->address, "IPv4 or IPv6 address of this machine, or path of a socket, to listen on")
+        .text("address", settings->address, "IPv4 or IPv6 address of this machine, or path of a socket, to listen on")
         .number("-p,--port", settings->port, 1, 65535, "Port to listen on; not for a path")
         .number("--handle", settings->filter.handle, 0, 0xFFFFFFF, "Only lines of the port with this handle; 0 is any")
         .choice("-k,--kind", settings->filter.kind, {"all", "trace", "error", "frames"},

@@ -64,7 +64,7 @@ int run(const Settings& settings)
 Action timelineCommand(Options& options)
 {
     const auto settings = std::make_shared<Settings>();
-    options.texts("LOG", settings->logs, "Log files of the library, in the order of time; - is standard input")
+    options.texts("log", settings->logs, "Log files of the library, in the order of time; - is standard input")
         .required()
         .text("-s,--svg", settings->svg, "Draw the picture into this file; - is standard output")
         .flag("--json", settings->json, "Print the numbers as JSON; times in microseconds")
