@@ -42,8 +42,10 @@ protected:
         LogCapture::take();
     }
 
+    /** Opens one more port on the reader's device. */
     int open() const
     {
+        reader_.release();
         const int handle = ZUCOM_OpenPort(reader_.path());
         EXPECT_GT(handle, 0);
         return handle;

@@ -162,7 +162,7 @@ TEST_F(ApiTest, usesUpTheHandleOfAPortThatDoesNotOpen)
     EXPECT_EQ(ZUCOM_ERR_NO_HANDLE, ZUCOM_GetPortHnd("/nowhere/tty"));
     EXPECT_EQ(ZUCOM_ERR_UNKNOWN_HANDLE, ZUCOM_ClosePort(first + 1));
     EXPECT_EQ(ZUCOM_ERR_NULL, ZUCOM_OpenPort(nullptr));
-    EXPECT_EQ(first + 2, ZUCOM_OpenPort(reader_.path()));
+    EXPECT_EQ(first + 2, open());
     LogCapture::take();
 }
 

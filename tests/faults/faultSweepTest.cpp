@@ -205,6 +205,25 @@ public:
         checkWhatFollows(call, expected);
     }
 
+    /** Takes the adapter away: reading gives no byte, everything else an error. */
+    void unplug()
+    {
+        for (const char* call : {"write", "tcsetattr", "tcflush", "ioctl"})
+            device_.fail(call, 0, EIO);
+        device_.answer("select", 0, 1);
+        device_.answer("read", 0, 0);
+        const bool receiving = operation_.name == std::string("receive");
+        const Consequence& first = operation_.consequences.front();
+        EXPECT_EQ(receiving ? ZUCOM_ERR_NOT_CONNECTED : first.result, start());
+        if (!isClosing())
+        {
+            EXPECT_EQ(receiving || first.closes ? -1 : handle_, device_.descriptor() < 0 ? -1 : handle_);
+            EXPECT_EQ(0, ZUCOM_ClosePort(handle_));
+        }
+        EXPECT_EQ(-1, device_.descriptor());
+        LogCapture::take();
+    }
+
 private:
     bool isOpening() const { return operation_.name == std::string("open"); }
     bool isClosing() const { return operation_.name == std::string("close"); }
@@ -308,6 +327,19 @@ TEST(FaultSweep, everyFailingCallOfEveryOperationHasItsStatedConsequence)
     }
     RecordProperty("triples", triples);
     std::printf("fault sweep: %zu operations, %d (operation, call, fault) triples\n", std::size(operations), triples);
+}
+
+TEST(FaultSweep, anAdapterThatIsPulledOutEndsEveryOperationAndLeaksNothing)
+{
+    const LogCapture log;
+    const std::ptrdiff_t descriptors = openDescriptors();
+    for (const Operation& operation : operations)
+    {
+        SCOPED_TRACE(operation.name);
+        if (operation.name != std::string("open"))
+            Attempt(operation).unplug();
+        EXPECT_EQ(descriptors, openDescriptors());
+    }
 }
 
 } // namespace

@@ -68,11 +68,14 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 namespace
 {
 
+const bool withoutLogLines = setenv("ZUCOM_TEST_LOG", "off", 1) == 0;
+
 const Bytes answer = {5, 255, 0x52, 0, 0};
 const Bytes foreign = {5, 7, 0x52, 0, 0};
 
 TEST(Memory, isNotAskedForAfterTheFirstExchange)
 {
+    ASSERT_TRUE(withoutLogLines);
     const LogCapture log;
     PtyReader reader;
     ZucomPort port(reader.path());
