@@ -20,6 +20,7 @@ has '(FLAGS_1.*NOW|BIND_NOW)' || problem "it binds lazily (-z now)"
 readelf -lW "$library" | grep -q GNU_RELRO || problem "its tables stay writable (-z relro)"
 if has 'TEXTREL'; then problem "it has text relocations"; fi
 if has 'R(UN)?PATH'; then problem "it has a search path"; fi
+if readelf --dyn-syms -W "$library" | grep -qE 'UND .*(pthread_create|thrd_create|_M_start_thread)'; then problem "it can start threads"; fi
 needed=$(sed -nE 's/.*NEEDED.*\[(.*)\]/\1/p' <<<"$dynamic" | grep -vE '^(libstdc\+\+\.so\.6|libgcc_s\.so\.1|libc\.so\.6|ld-linux-.*)$' || true)
 [[ -z $needed ]] || problem "it needs $needed"
 
