@@ -112,9 +112,10 @@ void tryRs485(int descriptor, const serial_rs485& saved, Findings& findings)
     serial_rs485 asked = saved;
     asked.flags |= SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND;
     serial_rs485 granted{};
-    const bool taken = ioctl(descriptor, TIOCSRS485, &asked) == 0 && ioctl(descriptor, TIOCGRS485, &granted) == 0 &&
-                       (granted.flags & SER_RS485_ENABLED) != 0;
-    const std::string reason = taken ? "" : std::strerror(errno);
+    const bool accepted = ioctl(descriptor, TIOCSRS485, &asked) == 0;
+    const std::string reason = accepted ? "it reports success and stays off" : std::strerror(errno);
+    const bool taken =
+        accepted && ioctl(descriptor, TIOCGRS485, &granted) == 0 && (granted.flags & SER_RS485_ENABLED) != 0;
     serial_rs485 back = saved;
     ioctl(descriptor, TIOCSRS485, &back);
     if (taken)

@@ -1,6 +1,7 @@
 // A timeline as one self-contained picture: no script, no font and no other file is needed to look at it.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string>
 
 #include <fmt/format.h>
@@ -20,6 +21,7 @@ constexpr double laneHeight = 104;
 constexpr double histogramHeight = 230;
 constexpr double lineHeight = 16;
 constexpr double gapLabelWidth = 64;
+constexpr double labelWidth = 56; // of a duration below the histogram
 constexpr std::size_t axisTicks = 10;
 constexpr std::size_t histogramBars = 48;
 constexpr std::size_t listedTroubles = 20;
@@ -277,7 +279,7 @@ private:
         const double full = histogramHeight - 70;
         const double bottom = y_ + 30 + full;
         const double width = std::min(60.0, plotWidth / static_cast<double>(bars.size()));
-        const std::size_t labelEvery = std::max<std::size_t>(1, bars.size() * 60 / static_cast<std::size_t>(plotWidth));
+        const auto labelEvery = static_cast<std::size_t>(std::ceil(labelWidth / width));
         std::string boxes;
         for (std::size_t i = 0; i <= bars.size(); ++i)
         {
