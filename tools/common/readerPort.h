@@ -27,7 +27,7 @@ private:
     int handle_;
 };
 
-// The library's text for a code, with the code, for example "ZUCOM: timeout (-1030)".
+// The library's text for a code, with the code, for example "ZUCOM: receive timeout (-1030)".
 std::string codeText(int code);
 
 #endif

@@ -37,11 +37,11 @@ void show(const std::string& text)
 
 int exchange(const ExchangeOptions& options)
 {
+    const StopSignal stop; // first: it outlives the port, which restores the line
     PayloadSource source(options.payloads, options.repeat, std::cin);
     ReaderPort port(options.device);
     applyLine(port, options.line);
     port.set("BUSADDRESS", std::to_string(options.frame.address));
-    const StopSignal stop;
 
     ExchangeSummary summary;
     while (const auto payload = source.next())

@@ -64,7 +64,7 @@ ScanRequest requestOf(const ScanOptions& options)
 int scanDevice(const ScanOptions& options)
 {
     const ScanRequest request = requestOf(options);
-    const StopSignal stop;
+    const StopSignal stop; // first: it outlives the port, which restores the line
     ReaderPort port(options.device);
     applyLine(port, {.timeout = options.timeout, .mode = options.mode});
 
