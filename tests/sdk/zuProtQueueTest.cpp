@@ -109,15 +109,19 @@ TEST(Queue, isFedByteByByte)
 
 TEST(Queue, clearForgetsBytesButNotTheFilter)
 {
-    ZuProtQueue queue;
-    queue.busAddrFilter = 7;
-    add(queue, broadcast);
-    queue.clear();
-    EXPECT_EQ(7, queue.busAddrFilter);
-    EXPECT_EQ((Popped{0, {}}), pop(queue, 64));
-    queue.next(8);
-    queue.addSize(5);
-    EXPECT_EQ((Popped{-1, {}}), pop(queue, 64)) << "room that nobody wrote reads as zero, not as what was cleared";
+    for (const std::size_t unused : {0, 8, 100000}) // room that was asked for before, the last one in another block
+    {
+        ZuProtQueue queue;
+        queue.busAddrFilter = 7;
+        add(queue, broadcast);
+        queue.next(unused);
+        queue.clear();
+        EXPECT_EQ(7, queue.busAddrFilter);
+        EXPECT_EQ((Popped{0, {}}), pop(queue, 64));
+        queue.next(8);
+        queue.addSize(5);
+        EXPECT_EQ((Popped{-1, {}}), pop(queue, 64)) << "room that nobody wrote reads as zero, not as what was cleared";
+    }
 }
 
 TEST(Queue, lengthsNearTheTopOfTheirTypeDoNotWrap)
