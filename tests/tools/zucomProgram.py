@@ -64,10 +64,8 @@ class Simulator:
     def stop(self, how=signal.SIGTERM):
         """Exit code."""
         self.process.send_signal(how)
-        self.rest, self.errors = self.process.stdout.read(), self.process.stderr.read()
-        self.process.stdout.close()
-        self.process.stderr.close()
-        return self.process.wait(timeout=HANG)
+        self.rest, self.errors = self.process.communicate(timeout=HANG)
+        return self.process.returncode
 
     def __enter__(self):
         return self
