@@ -27,11 +27,10 @@ class ExchangeTest(UsageTest):
             (["DEVICE", "52", "--mode", "RS422"], "RS422"),
             (["DEVICE", "52", "--timeout", "100000"], "100000"),
         ])
-        with Simulator() as sim:
-            self.check_usage("exchange", [
-                ([sim.device, "52", "--frame", "9N1"], "FRAME 9N1: ZUCOM: parameter out of range (-1051)"),
-                ([sim.device, "00" * 252], "252 bytes does not fit"),
-            ])
+        for arguments, complaint in (["52", "--frame", "9N1"], "FRAME 9N1: ZUCOM: parameter out of range (-1051)"), (
+                ["00" * 252], "252 bytes does not fit"):
+            with Simulator() as sim:
+                self.check_usage("exchange", [([sim.device, *arguments], complaint)])
 
     def test_device_that_does_not_open(self):
         for device in "/nowhere", "/dev/null":
@@ -66,9 +65,9 @@ class ExchangeTest(UsageTest):
             self.assertEqual(1, run("exchange", sim.device, "52", "--baud", "57600", "-t", "1").returncode)
 
     def test_what_the_driver_refuses(self):
-        with Simulator() as sim:
-            for option, complaint in ("--frame=8N1", "FRAME 8N1: ZUCOM: error in change port parameter (-1036)"), (
-                    "--mode=RS485", "OPMODE RS485: ZUCOM: error in change port parameter (-1036)"):
+        for option, complaint in ("--frame=8N1", "FRAME 8N1: ZUCOM: error in change port parameter (-1036)"), (
+                "--mode=RS485", "OPMODE RS485: ZUCOM: error in change port parameter (-1036)"):
+            with self.subTest(option), Simulator() as sim:
                 result = run("exchange", sim.device, "52", option)
                 self.assertEqual((1, ""), (result.returncode, result.stdout))
                 self.assertIn(complaint, result.stderr)

@@ -64,8 +64,10 @@ class Simulator:
     def stop(self, how=signal.SIGTERM):
         """Exit code."""
         self.process.send_signal(how)
-        self.rest, self.errors = self.process.communicate(timeout=HANG)
-        return self.process.returncode
+        self.rest, self.errors = self.process.stdout.read(), self.process.stderr.read()
+        self.process.stdout.close()
+        self.process.stderr.close()
+        return self.process.wait(timeout=HANG)
 
     def __enter__(self):
         return self

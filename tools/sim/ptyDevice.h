@@ -23,7 +23,8 @@ public:
     // 0 for a speed or number of stop bits that does not matter.
     bool lineIs(int bitsPerSecond, int stopBits) const;
 
-    // Exclusive mode would outlive a close, because the device stays open on this side. Call it after a close.
+    // Exclusive mode would outlive a close, because the device stays open on this side. Called after a close only, it
+    // could come too late for a program that is started next; called before an answer as well, it never does.
     void endExclusiveMode();
 
 private:

@@ -49,7 +49,7 @@ void ReaderSimulator::serve(int stopDescriptor)
             continue; // a signal shows at the stop descriptor
         if (waiting[0].revents != 0)
             return;
-        if (waiting[2].revents != 0)
+        if (waiting[1].revents != 0 || waiting[2].revents != 0)
             device_->endExclusiveMode();
         if (waiting[1].revents != 0)
         {
