@@ -26,6 +26,9 @@ inline void require(bool condition, const char* what)
     std::abort();
 }
 
+/** @return The text as a C function sees it. */
+inline std::string upToZero(const std::string& text) { return text.substr(0, text.find('\0')); }
+
 /** The input, taken from the front; behind its end all bytes are 0. */
 class Input
 {
@@ -49,7 +52,7 @@ public:
     std::string textUpTo(char end)
     {
         const auto* found = std::find(data_, data_ + size_, static_cast<uint8_t>(end));
-        const std::string text(data_, found);
+        std::string text(data_, found);
         bytes(text.size() + 1);
         return text;
     }

@@ -115,6 +115,7 @@ private:
 };
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker gives the names
 extern "C"
 {
     int __wrap_open(const char* path, int flags, ...);
@@ -136,6 +137,7 @@ extern "C"
         return static_cast<ssize_t>(size);
     }
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {

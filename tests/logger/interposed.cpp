@@ -14,6 +14,7 @@ std::function<void()> beforeSend;
 } // namespace interposed
 
 // The linker puts these in place of the functions they are named after.
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker gives the names
 extern "C"
 {
     int __real_clock_gettime(clockid_t clock, timespec* time);
@@ -44,3 +45,4 @@ extern "C"
         return __real_sendto(fd, data, size, flags, address, length);
     }
 }
+// NOLINTEND(bugprone-reserved-identifier)
