@@ -14,10 +14,14 @@ if [[ $arch != "$(dpkg --print-architecture)" ]]; then
 fi
 
 # The scratch root is empty: what the packages need of the distribution is taken from the machine, but nothing else.
+fromMachine=""
+for package in libc6 libgcc-s1 libstdc++6 libfmt9; do
+    fromMachine+=,$package,$package:$arch
+done
 inRoot()
 {
     dpkg --root="$root" --log=/dev/null --force-not-root --force-architecture --force-script-chrootless \
-        --ignore-depends=libc6,libgcc-s1,libstdc++6,libfmt9 "$@"
+        --ignore-depends="${fromMachine#,}" "$@"
 }
 mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
 touch "$root/var/lib/dpkg/status" "$root/var/lib/dpkg/available"
