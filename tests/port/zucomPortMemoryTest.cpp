@@ -55,15 +55,16 @@ extern "C"
     }
 }
 
-void* operator new(std::size_t size)
+// Not inlined, so that a memory checker that replaces them replaces all of them.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     allocations += counting;
     if (void* const memory = __real_malloc(size))
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace
 {
