@@ -52,29 +52,21 @@ void makeLink(const std::string& target, const std::string& link)
 } // namespace
 
 PtyDevice::PtyDevice(const std::string& link)
-try
 {
-    master_ = checked(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "opening a pseudo-terminal");
-    checked(grantpt(master_), "granting a pseudo-terminal");
-    checked(unlockpt(master_), "unlocking a pseudo-terminal");
+    master_.reset(checked(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "opening a pseudo-terminal"));
+    checked(grantpt(master_.get()), "granting a pseudo-terminal");
+    checked(unlockpt(master_.get()), "unlocking a pseudo-terminal");
     char name[64];
-    if (ptsname_r(master_, name, sizeof name) != 0)
+    if (ptsname_r(master_.get(), name, sizeof name) != 0)
         throw std::system_error(errno, std::generic_category(), "naming a pseudo-terminal");
     path_ = name;
-    slave_ = checked(open(name, O_RDWR | O_NOCTTY | O_CLOEXEC), name);
-    setRaw(slave_);
-    closing_ = checked(inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "watching a pseudo-terminal");
-    checked(inotify_add_watch(closing_, name, IN_CLOSE), "watching a pseudo-terminal");
+    slave_.reset(checked(open(name, O_RDWR | O_NOCTTY | O_CLOEXEC), name));
+    setRaw(slave_.get());
+    closing_.reset(checked(inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "watching a pseudo-terminal"));
+    checked(inotify_add_watch(closing_.get(), name, IN_CLOSE), "watching a pseudo-terminal");
     if (!link.empty())
         makeLink(path_, link);
     link_ = link;
-}
-catch (...)
-{
-    for (const int descriptor : {closing_, slave_, master_})
-        if (descriptor >= 0)
-            close(descriptor);
-    throw;
 }
 
 PtyDevice::~PtyDevice()
@@ -82,15 +74,12 @@ PtyDevice::~PtyDevice()
     std::error_code ignored;
     if (!link_.empty() && fs::read_symlink(link_, ignored) == path_)
         fs::remove(link_, ignored);
-    close(closing_);
-    close(slave_);
-    close(master_);
 }
 
 bool PtyDevice::lineIs(int bitsPerSecond, int stopBits) const
 {
     termios settings{};
-    if (tcgetattr(slave_, &settings) != 0)
+    if (tcgetattr(slave_.get(), &settings) != 0)
         return false;
     const auto* rate = std::ranges::find(baudRates, bitsPerSecond, &BaudRate::bitsPerSecond);
     const bool speedFits = rate == std::end(baudRates) || cfgetospeed(&settings) == rate->code;
@@ -101,8 +90,8 @@ bool PtyDevice::lineIs(int bitsPerSecond, int stopBits) const
 void PtyDevice::endExclusiveMode()
 {
     char events[4096];
-    while (read(closing_, events, sizeof events) > 0)
+    while (read(closing_.get(), events, sizeof events) > 0)
     {
     }
-    ioctl(slave_, TIOCNXCL);
+    ioctl(slave_.get(), TIOCNXCL);
 }

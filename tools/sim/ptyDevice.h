@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "tools/sim/descriptor.h"
+
 // Only speed and stop bits of its line show here: a pseudo-terminal knows no parity.
 class PtyDevice
 {
@@ -17,8 +19,8 @@ public:
     PtyDevice& operator=(const PtyDevice&) = delete;
 
     const std::string& path() const { return path_; }
-    int descriptor() const { return master_; }         // non-blocking: readable when the other program wrote
-    int closingDescriptor() const { return closing_; } // readable when a program closed the device
+    int descriptor() const { return master_.get(); }         // non-blocking: readable when the other program wrote
+    int closingDescriptor() const { return closing_.get(); } // readable when a program closed the device
 
     // 0 for a speed or number of stop bits that does not matter.
     bool lineIs(int bitsPerSecond, int stopBits) const;
@@ -28,9 +30,9 @@ public:
     void endExclusiveMode();
 
 private:
-    int master_ = -1;
-    int slave_ = -1; // kept open, or the master would report an error whenever no program has the device open
-    int closing_ = -1;
+    Descriptor master_;
+    Descriptor slave_; // kept open, or the master would report an error whenever no program has the device open
+    Descriptor closing_;
     std::string path_;
     std::string link_;
 };
