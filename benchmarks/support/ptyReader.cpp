@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -47,22 +49,35 @@ int openTerminal(std::string& path)
     return master;
 }
 
-[[noreturn]] void answerForEver(int master, std::size_t requestLength, const std::vector<uint8_t>& answer)
+void answer(int master, std::vector<uint8_t>& request, const std::vector<uint8_t>& bytes)
 {
-    std::vector<uint8_t> request(requestLength);
-    for (;;)
+    for (std::size_t have = 0; have < request.size();)
+        have += static_cast<std::size_t>(
+            checked(static_cast<int>(read(master, request.data() + have, request.size() - have)), "read of a request"));
+    for (std::size_t sent = 0; sent < bytes.size();)
+        sent += static_cast<std::size_t>(
+            checked(static_cast<int>(write(master, bytes.data() + sent, bytes.size() - sent)), "write of an answer"));
+}
+
+[[noreturn]] void answerForEver(const std::vector<int>& masters, std::size_t requestLength,
+                                const std::vector<uint8_t>& bytes)
+{
+    const int waiting = checked(epoll_create1(0), "epoll_create1");
+    for (const int master : masters)
     {
-        for (std::size_t have = 0; have < requestLength;)
-            have += static_cast<std::size_t>(checked(
-                static_cast<int>(read(master, request.data() + have, requestLength - have)), "read of a request"));
-        for (std::size_t sent = 0; sent < answer.size();)
-            sent += static_cast<std::size_t>(checked(
-                static_cast<int>(write(master, answer.data() + sent, answer.size() - sent)), "write of an answer"));
+        epoll_event readable{EPOLLIN, {.fd = master}};
+        checked(epoll_ctl(waiting, EPOLL_CTL_ADD, master, &readable), "epoll_ctl");
+    }
+    std::vector<uint8_t> request(requestLength);
+    for (epoll_event event{};;)
+    {
+        checked(epoll_wait(waiting, &event, 1, -1), "epoll_wait");
+        answer(event.data.fd, request, bytes);
     }
 }
 } // namespace
 
-PtyReader::PtyReader(std::size_t requestLength, const std::vector<uint8_t>& answer, std::size_t silentPorts)
+PtyReader::PtyReader(std::size_t requestLength, const std::vector<uint8_t>& answer, std::size_t lines)
 {
     int pipeEnds[2];
     checked(pipe(pipeEnds), "pipe");
@@ -70,30 +85,26 @@ PtyReader::PtyReader(std::size_t requestLength, const std::vector<uint8_t>& answ
     if (process == 0)
     {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        std::string path;
-        const int master = openTerminal(path);
-        std::string names = path + '\n';
-        for (std::size_t i = 0; i < silentPorts; ++i)
-        {
-            openTerminal(path);
-            names += path + '\n';
-        }
+        std::vector<int> masters;
+        std::string names;
+        for (std::string path; masters.size() < lines; names += path + '\n')
+            masters.push_back(openTerminal(path));
         checked(static_cast<int>(write(pipeEnds[1], names.data(), names.size())), "write of the device names");
         close(pipeEnds[0]);
         close(pipeEnds[1]);
-        answerForEver(master, requestLength, answer);
+        answerForEver(masters, requestLength, answer);
     }
     close(pipeEnds[1]);
     std::string name;
-    for (char c; read(pipeEnds[0], &c, 1) == 1;)
+    for (char c = 0; read(pipeEnds[0], &c, 1) == 1;)
     {
-        if (c == '\n')
-            paths.push_back(std::move(name)), name.clear();
-        else
+        if (c != '\n')
             name += c;
+        else
+            devices.push_back(std::exchange(name, {}));
     }
     close(pipeEnds[0]);
-    if (paths.size() != silentPorts + 1)
+    if (devices.size() != lines)
         throw std::runtime_error("the reader process could not open its pseudo-terminals");
     line = checked(open(path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "open");
 }

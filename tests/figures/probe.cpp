@@ -29,8 +29,8 @@ void expect(bool done)
 class Line
 {
 public:
-    explicit Line(std::size_t answerLength, std::size_t silentPorts = 0)
-        : request(readerFrame(6)), reader(request.size(), readerFrame(answerLength), silentPorts), buffer(bufferSize)
+    explicit Line(std::size_t answerLength, std::size_t lines = 1)
+        : request(readerFrame(6)), reader(request.size(), readerFrame(answerLength), lines), buffer(bufferSize)
     {
     }
 
@@ -46,7 +46,7 @@ public:
         expect(ZUCOM_Receive(handle, buffer.data(), buffer.size()) > 0);
     }
 
-    std::vector<std::string> silentPaths() const { return reader.silentPaths(); }
+    const std::vector<std::string>& paths() const { return reader.paths(); }
 
 private:
     std::vector<uint8_t> request;
@@ -83,12 +83,11 @@ void logLines(int count)
 void heap()
 {
     constexpr std::size_t ports = 50;
-    Line line(6, ports);
-    const std::vector<std::string> paths = line.silentPaths();
+    Line line(6, 1 + ports);
     line.open();
     const std::size_t before = HeapCounter::bytes();
-    for (const std::string& path : paths)
-        expect(ZUCOM_OpenPort(path.c_str()) > 0);
+    for (std::size_t i = 1; i <= ports; ++i)
+        expect(ZUCOM_OpenPort(line.paths()[i].c_str()) > 0);
     const std::size_t idle = HeapCounter::bytes();
     line.exchange();
     const std::size_t received = HeapCounter::bytes();
