@@ -59,13 +59,19 @@ constexpr CrcTables makeCrcTables()
 constexpr CrcTables crcTables = makeCrcTables();
 static_assert(crcTables[0][1] == 0x1189);
 
-uint16_t crcOfBlock(const uint8_t* data, uint16_t crc)
+// Takes whole blocks of the given size off the data.
+template <std::size_t size>
+unsigned crcOfBlocks(const uint8_t*& data, std::size_t& len, unsigned crc)
 {
-    unsigned sum = crcTables[crcBlock - 1][data[0] ^ (crc & 0xFF)] ^ crcTables[crcBlock - 2][data[1] ^ (crc >> 8)];
+    for (; len >= size; len -= size, data += size)
+    {
+        unsigned sum = crcTables[size - 1][data[0] ^ (crc & 0xFF)] ^ crcTables[size - 2][data[1] ^ (crc >> 8)];
 #pragma GCC unroll 16
-    for (std::size_t i = 2; i < crcBlock; ++i)
-        sum ^= crcTables[crcBlock - 1 - i][data[i]];
-    return static_cast<uint16_t>(sum);
+        for (std::size_t i = 2; i < size; ++i)
+            sum ^= crcTables[size - 1 - i][data[i]];
+        crc = sum;
+    }
+    return crc;
 }
 
 // ---- numbers at a cursor ----
@@ -314,12 +320,12 @@ std::string ZuProt::payloadToString() const
 
 uint16_t ZuProt::crc16CheckSum(const uint8_t* data, std::size_t len, bool swap)
 {
-    uint16_t crc = 0xFFFF;
-    for (; len >= crcBlock; len -= crcBlock, data += crcBlock)
-        crc = crcOfBlock(data, crc);
+    unsigned crc = crcOfBlocks<crcBlock>(data, len, 0xFFFF);
+    crc = crcOfBlocks<8>(data, len, crc);
+    crc = crcOfBlocks<4>(data, len, crc);
     for (; len > 0; --len, ++data)
-        crc = static_cast<uint16_t>((crc >> 8) ^ crcTables[0][(crc ^ *data) & 0xFF]);
-    return swap ? static_cast<uint16_t>(crc << 8 | crc >> 8) : crc;
+        crc = crc >> 8 ^ crcTables[0][(crc ^ *data) & 0xFF];
+    return static_cast<uint16_t>(swap ? crc << 8 | crc >> 8 : crc);
 }
 
 std::string ZuProt::generationToString(uint8_t generation)
