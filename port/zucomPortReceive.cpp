@@ -73,7 +73,7 @@ inline int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size
                 return timeOut(call);
             continue;
         }
-        protQueue.addReceived(std::min(static_cast<std::size_t>(count), maxWaitingBytes - protQueue.fill));
+        protQueue.addReceived(std::min(static_cast<std::size_t>(count), maxWaitingBytes - protQueue.fill()));
         const int64_t length = protQueue.popProtocol(buf, size);
         if (length != 0)
             return frameReceived(call, buf, length);
@@ -83,7 +83,7 @@ inline int ZucomPort::waitForFrame(const ZuCall& call, uint8_t* buf, size_t size
 
 int ZucomPort::timeOut(const ZuCall& call)
 {
-    return call.fail(211, protQueue.fill != 0 ? ZUCOM_ERR_PROTOCOL_LENGTH : ZUCOM_ERR_TIMEOUT);
+    return call.fail(211, protQueue.fill() != 0 ? ZUCOM_ERR_PROTOCOL_LENGTH : ZUCOM_ERR_TIMEOUT);
 }
 
 int ZucomPort::deviceLost(const ZuCall& call, int code)

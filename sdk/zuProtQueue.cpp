@@ -21,30 +21,28 @@ constexpr uint8_t broadcast = 255;
 void ZuProtQueue::clear()
 {
     front = 0;
-    fill = 0;
-    length = 0;
+    fillEnd = 0;
+    storeEnd = 0;
 }
 
 uint8_t* ZuProtQueue::next(std::size_t n)
 {
     uint8_t* room = unclearedRoom(n);
-    const std::size_t roomBegin = front + fill;
-    const std::size_t roomEnd = front + length;
-    if (dirtyEnd > roomBegin)
+    if (dirtyEnd > fillEnd)
     {
-        const std::size_t clearedEnd = std::min(dirtyEnd, roomEnd);
-        std::memset(room, 0, clearedEnd - roomBegin);
+        const std::size_t clearedEnd = std::min(dirtyEnd, storeEnd);
+        std::memset(room, 0, clearedEnd - fillEnd);
         if (clearedEnd == dirtyEnd)
-            dirtyEnd = roomBegin;
+            dirtyEnd = fillEnd;
     }
     return room;
 }
 
-void ZuProtQueue::addSize(std::size_t n) { addReceived(std::min(n, length - fill)); }
+void ZuProtQueue::addSize(std::size_t n) { addReceived(std::min(n, storeEnd - fillEnd)); }
 
 int64_t ZuProtQueue::popProtocol(uint8_t* dst, std::size_t cap)
 {
-    if (length == 0)
+    if (storeEnd == front)
         return 0;
 
     std::size_t frameLength = header(0);
@@ -63,7 +61,7 @@ int64_t ZuProtQueue::popProtocol(uint8_t* dst, std::size_t cap)
     default:
         address = header(1);
     }
-    if (frameLength == 0 || fill < frameLength)
+    if (frameLength == 0 || fill() < frameLength)
         return 0;
     if (frameLength > cap)
         return -1;
@@ -72,21 +70,20 @@ int64_t ZuProtQueue::popProtocol(uint8_t* dst, std::size_t cap)
     if (accepted)
         std::memcpy(dst, bytes.get() + front, frameLength);
     front += frameLength;
-    fill -= frameLength;
-    length -= frameLength;
     return accepted ? static_cast<int64_t>(frameLength) : 0;
 }
 
 // A header byte that was not received yet reads as zero.
-inline std::size_t ZuProtQueue::header(std::size_t index) const { return index < fill ? bytes[front + index] : 0; }
+inline std::size_t ZuProtQueue::header(std::size_t index) const { return index < fill() ? bytes[front + index] : 0; }
 
 // The block has room for the waiting bytes twice. So when they are moved to its front, at least as many have left
 // before, and moving costs no more than receiving did.
 void ZuProtQueue::makeRoom(std::size_t n)
 {
-    if (n > maxStore - fill)
+    const std::size_t waiting = fill();
+    if (n > maxStore - waiting)
         throw std::length_error("ZuProtQueue::next");
-    const std::size_t wanted = fill > maxStore - fill - n ? maxStore : fill + fill + n;
+    const std::size_t wanted = waiting > maxStore - waiting - n ? maxStore : waiting + waiting + n;
     if (wanted > capacity)
     {
         const std::size_t grown =
@@ -94,15 +91,16 @@ void ZuProtQueue::makeRoom(std::size_t n)
         std::unique_ptr<uint8_t[], Release> block(static_cast<uint8_t*>(std::calloc(grown, 1)));
         if (!block)
             throw std::bad_alloc();
-        if (fill > 0)
-            std::memcpy(block.get(), bytes.get() + front, fill);
+        if (waiting > 0)
+            std::memcpy(block.get(), bytes.get() + front, waiting);
         bytes = std::move(block);
         capacity = grown;
-        dirtyEnd = fill;
+        dirtyEnd = waiting;
     }
     else
     {
-        std::memmove(bytes.get(), bytes.get() + front, fill);
+        std::memmove(bytes.get(), bytes.get() + front, waiting);
     }
     front = 0;
+    fillEnd = waiting;
 }

@@ -70,29 +70,31 @@ private:
     // next() for an owner that adds only what it wrote: the room is not cleared.
     ZUCOM_LOCAL uint8_t* unclearedRoom(std::size_t n)
     {
-        if (n > capacity - front - fill)
+        if (n > capacity - fillEnd)
             makeRoom(n);
-        length = fill + n;
-        return bytes.get() + front + fill;
+        storeEnd = fillEnd + n;
+        return bytes.get() + fillEnd;
     }
 
     // addSize() for the same owner: no more than the room.
     ZUCOM_LOCAL void addReceived(std::size_t n)
     {
-        fill += n;
-        if (dirtyEnd < front + fill)
-            dirtyEnd = front + fill;
+        fillEnd += n;
+        if (dirtyEnd < fillEnd)
+            dirtyEnd = fillEnd;
     }
 
+    ZUCOM_LOCAL std::size_t fill() const { return fillEnd - front; }
     ZUCOM_LOCAL std::size_t header(std::size_t index) const;
     ZUCOM_LOCAL void makeRoom(std::size_t n);
 
     std::unique_ptr<uint8_t[], Release> bytes;
     std::size_t capacity = 0; // of bytes
-    std::size_t front = 0;    // index of the oldest byte
-    std::size_t fill = 0;     // bytes received, from front on
-    std::size_t length = 0;   // bytes of the store from front on: fill and the room behind it
-    std::size_t dirtyEnd = 0; // from this index on every byte is zero
+    // Places in bytes. Taking a frame moves the front and nothing else.
+    std::size_t front = 0;    // the oldest byte
+    std::size_t fillEnd = 0;  // behind the bytes received
+    std::size_t storeEnd = 0; // behind the room for more
+    std::size_t dirtyEnd = 0; // from here on every byte is zero
 };
 
 #endif
