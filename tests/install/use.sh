@@ -7,7 +7,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cached() { sed -n "s/^$1:[^=]*=//p" "$build/CMakeCache.txt"; }
-cc=$(cached CMAKE_C_COMPILER) cxx=$(cached CMAKE_CXX_COMPILER) toolchain=$(cached CMAKE_TOOLCHAIN_FILE)
+compiler() { sed -n "s/^set(CMAKE_$1_COMPILER \"\(.*\)\")/\1/p" "$build"/CMakeFiles/*/"CMake$1Compiler.cmake"; }
+cc=$(compiler C) cxx=$(compiler CXX) toolchain=$(cached CMAKE_TOOLCHAIN_FILE)
 emulator=()
 if [[ -n $toolchain ]]; then
     read -ra emulator <<<"$(sed -n 's/^set(CMAKE_CROSSCOMPILING_EMULATOR \(.*\))/\1/p' "$toolchain")"
