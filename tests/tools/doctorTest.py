@@ -58,7 +58,7 @@ class DoctorTest(UsageTest):
         with Simulator() as sim:
             code, found = self.doctor(sim.device)
         self.assertEqual(0, code)
-        if not os.environ.get("ZUCOM_EMULATOR"):  # emulation drops speeds too
+        if not os.environ.get("ZUCOM_EMULATOR"):  # the emulator turns B921600 into B0
             self.check("WARN", "^the driver does not keep 8E1, 8O1, 7E1, 7O1$", found["settings"])
         self.check("WARN", "does not keep .*8E1", found["settings"])
 
