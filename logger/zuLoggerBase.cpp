@@ -60,6 +60,24 @@ void appendDateTime(std::string& text, int64_t second)
     text.append(converted.data(), size);
 }
 
+// One write for line and line end keeps lines whole also between processes that append to the same file. Copying a
+// line of usual length costs less than a gathered write. What cannot be written is lost: logging never reports its own
+// failures.
+void writeWhole(int file, const std::string& line)
+{
+    std::array<char, 512> copy;
+    [[maybe_unused]] ssize_t written = 0;
+    if (line.size() < copy.size())
+    {
+        copy[line.copy(copy.data(), line.size())] = '\n';
+        written = ::write(file, copy.data(), line.size() + 1);
+        return;
+    }
+    char lineEnd = '\n';
+    const std::array<iovec, 2> parts{{{const_cast<char*>(line.data()), line.size()}, {&lineEnd, 1}}};
+    written = ::writev(file, parts.data(), static_cast<int>(parts.size()));
+}
+
 class SharedFileLock
 {
 public:
@@ -310,16 +328,12 @@ void ZuLoggerBase::writeLogLine(const std::string& line)
     loggerGlobal->logCallback(line);
 }
 
-// One write for line and line end keeps lines whole also between processes that append to the same file.
 void ZuLoggerBase::writeLineToFile_OpenClose(const std::string& path, const std::string& line)
 {
     const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file < 0)
         return;
-    char lineEnd = '\n';
-    const std::array<iovec, 2> parts{{{const_cast<char*>(line.data()), line.size()}, {&lineEnd, 1}}};
-    // A line that cannot be written is lost: logging never reports its own failures.
-    [[maybe_unused]] const ssize_t written = ::writev(file, parts.data(), static_cast<int>(parts.size()));
+    writeWhole(file, line);
     ::close(file);
 }
 
