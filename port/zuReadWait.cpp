@@ -2,6 +2,7 @@
 
 #include "port/zuReadWait.h"
 
+#include <algorithm>
 #include <ctime>
 #include <vector>
 
@@ -18,8 +19,11 @@ int64_t monotonicTime_usec()
 // fd_set ends at FD_SETSIZE; the system call takes a set of any length.
 int ZuReadWait::waitAboveSetSize(int descriptor)
 {
-    std::vector<fd_mask> words(static_cast<std::size_t>(descriptor / NFDBITS) + 1);
-    return select(descriptor, words.data());
+    constexpr std::size_t bits = NFDBITS;
+    const auto index = static_cast<std::size_t>(descriptor);
+    std::vector<fd_mask> words(index / bits + 1);
+    words[index / bits] = static_cast<fd_mask>(1UL << (index % bits));
+    return ::select(descriptor + 1, reinterpret_cast<fd_set*>(words.data()), nullptr, nullptr, &rest_);
 }
 
 // select() leaves the time that was not slept in rest_, so the clock is read only where a wait is resumed.

@@ -1,8 +1,6 @@
 // Waiting until a descriptor is readable, for any descriptor and against one deadline.
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
 
 #include <sys/select.h>
@@ -19,8 +17,10 @@ public:
     {
         if (descriptor >= FD_SETSIZE)
             return waitAboveSetSize(descriptor);
-        fd_mask words[FD_SETSIZE / NFDBITS];
-        return select(descriptor, words);
+        fd_set readable;
+        FD_ZERO(&readable);
+        FD_SET(descriptor, &readable);
+        return ::select(descriptor + 1, &readable, nullptr, nullptr, &rest_);
     }
 
     // Starts anew with the full time.
@@ -41,16 +41,6 @@ private:
     static timeval toTimeval(int64_t usec)
     {
         return {static_cast<time_t>(usec / usecPerSecond), static_cast<suseconds_t>(usec % usecPerSecond)};
-    }
-
-    // The system call reads the set up to the descriptor only, so no more of it is filled in.
-    int select(int descriptor, fd_mask* words)
-    {
-        constexpr std::size_t bits = NFDBITS;
-        const auto index = static_cast<std::size_t>(descriptor);
-        std::fill_n(words, index / bits, fd_mask{0});
-        words[index / bits] = static_cast<fd_mask>(1UL << (index % bits));
-        return ::select(descriptor + 1, reinterpret_cast<fd_set*>(words), nullptr, nullptr, &rest_);
     }
 
     int waitAboveSetSize(int descriptor);
