@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include <grp.h>
 #include <pwd.h>
@@ -64,8 +65,7 @@ std::vector<std::string> aclEntries(const std::string& path)
 std::vector<std::string> names(const std::vector<gid_t>& groups)
 {
     std::vector<std::string> result;
-    for (const gid_t id : groups)
-        result.push_back(groupName(id));
+    std::transform(groups.begin(), groups.end(), std::back_inserter(result), groupName);
     std::sort(result.begin(), result.end());
     result.erase(std::unique(result.begin(), result.end()), result.end());
     return result;

@@ -25,7 +25,7 @@ class Explainer
 {
 public:
     // Nothing for the lines of a log that hold neither a frame nor an error.
-    std::optional<Explanation> explainLine(std::string_view line);
+    std::optional<Explanation> explainLine(std::string_view text);
 
     std::size_t rightFrames() const { return right_; }
     std::size_t brokenFrames() const { return broken_; }

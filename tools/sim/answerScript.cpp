@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "tools/common/failure.h"
 #include "tools/common/hexText.h"
 
@@ -28,7 +30,7 @@ AnswerScript::AnswerScript(std::istream& text, const std::string& name)
             continue;
         std::optional<Rule> rule = ruleOf(line);
         if (!rule)
-            throw UsageError(name + ":" + std::to_string(number) + ": expected REQUEST => ANSWER, found: " + line);
+            throw UsageError(fmt::format("{}:{}: expected REQUEST => ANSWER, found: {}", name, number, line));
         rules_.push_back(*std::move(rule));
     }
 }

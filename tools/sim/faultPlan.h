@@ -26,7 +26,7 @@ class FaultPlan
 {
 public:
     // Each text is NAME[=NUMBER][@PERCENT]; throws UsageError for one that makes no sense.
-    FaultPlan(const std::vector<std::string>& faults, std::uint64_t seed);
+    FaultPlan(const std::vector<std::string>& texts, std::uint64_t seed);
 
     Delivery deliveryOf(const ZuProt& answer, const ZuProt& request);
 

@@ -78,7 +78,7 @@ std::size_t AnswerTimes::stepOf(std::int64_t duration)
 
 std::int64_t AnswerTimes::beginOf(std::size_t step) // the shortest duration that belongs to a step
 {
-    const std::size_t octave = step / steps;
+    const std::size_t octave = std::min(step / steps, octaves);
     const std::uint64_t scaled = steps + step % steps;
     if (octave >= stepBits)
         return static_cast<std::int64_t>(scaled << (octave - stepBits));
