@@ -21,12 +21,12 @@ copySources()
 # Build dependencies are checked where they can be: another processor's are the build machine's own.
 buildPackages()
 {
-    local arch=$1 work=$out/work/$1/zucom options=(-b -us -uc -a"$1")
+    local arch=$1 tree=$out/tree/$1/zucom options=(-b -us -uc -a"$1")
     [[ $arch == "$native" ]] || options+=(-d "-Pcross,nocheck")
-    copySources "$work"
-    (cd "$work" && DEB_BUILD_OPTIONS="noautodbgsym nocheck parallel=$(nproc)" dpkg-buildpackage "${options[@]}") \
+    copySources "$tree"
+    (cd "$tree" && DEB_BUILD_OPTIONS="noautodbgsym nocheck parallel=$(nproc)" dpkg-buildpackage "${options[@]}") \
         >"$out/build-$arch.log" 2>&1 || { tail -n 40 "$out/build-$arch.log" >&2; return 1; }
-    mv "$out/work/$arch"/*.deb "$out"
+    mv "$out/tree/$arch"/*.deb "$out"
 }
 
 checkPackages() { lintian --allow-root --fail-on error,warning --no-tag-display-limit "$out"/*_"$1".deb; }
@@ -40,7 +40,7 @@ for step in buildPackages checkPackages "$root/packaging/try.sh"; do
         wait $! || { echo "FAIL  $(basename "$step") $arch"; failures=$((failures + 1)); }
     done
 done
-rm -rf "$out/work"
+rm -rf "$out/tree"
 ls -l "$out"/*.deb
 echo "PACKAGE: $cases cases, 0 faults, $failures failures"
 [[ $failures == 0 ]]
