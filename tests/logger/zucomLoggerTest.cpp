@@ -31,7 +31,7 @@ TEST(LogConditions, followTheLastEntryOfEachKey)
     for (const auto& [text, conditions] : cases)
     {
         const LogRun run(
-            [&]
+            [text = text]
             {
                 configure(text);
                 return std::to_string(ProbeLogger(1).logConditions);
@@ -105,7 +105,7 @@ TEST(ExampleConfiguration, readsAsItsRemarksSay)
     for (const auto& [text, settings] : cases)
     {
         const LogRun run(
-            [&]
+            [text = text]
             {
                 configure(text);
                 const ProbeLogger logger(1);

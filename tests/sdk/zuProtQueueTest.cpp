@@ -109,7 +109,8 @@ TEST(Queue, isFedByteByByte)
 
 TEST(Queue, clearForgetsBytesButNotTheFilter)
 {
-    for (const std::size_t unused : {0UL, 8UL, 100000UL}) // room that was asked for before, the last one in another block
+    for (const std::size_t unused :
+         {0UL, 8UL, 100000UL}) // room that was asked for before, the last one in another block
     {
         ZuProtQueue queue;
         queue.busAddrFilter = 7;
